@@ -16,22 +16,25 @@ using NPReason = int16;
 using NPMIMEType = char*;
 
 /// The result of most calls.
-enum : NPError {
-    NPERR_NO_ERROR = 0,
-    NPERR_GENERIC_ERROR = 1,
-    NPERR_INVALID_INSTANCE_ERROR = 2,
-    NPERR_INVALID_FUNCTABLE_ERROR = 3,
-    NPERR_MODULE_LOAD_FAILED_ERROR = 4,
-    NPERR_OUT_OF_MEMORY_ERROR = 5,
-    NPERR_INCOMPATIBLE_VERSION_ERROR = 8,
-    NPERR_INVALID_PARAM = 9
-};
+inline constexpr NPError NPERR_NO_ERROR = 0;
+inline constexpr NPError NPERR_GENERIC_ERROR = 1;
+inline constexpr NPError NPERR_INVALID_INSTANCE_ERROR = 2;
+inline constexpr NPError NPERR_INVALID_FUNCTABLE_ERROR = 3;
+inline constexpr NPError NPERR_MODULE_LOAD_FAILED_ERROR = 4;
+inline constexpr NPError NPERR_OUT_OF_MEMORY_ERROR = 5;
+inline constexpr NPError NPERR_INCOMPATIBLE_VERSION_ERROR = 8;
+inline constexpr NPError NPERR_INVALID_PARAM = 9;
 
 /// Why a stream or a request ended.
-enum : NPReason { NPRES_DONE = 0, NPRES_NETWORK_ERR = 1, NPRES_USER_BREAK = 2 };
+inline constexpr NPReason NPRES_DONE = 0;
+inline constexpr NPReason NPRES_NETWORK_ERR = 1;
+inline constexpr NPReason NPRES_USER_BREAK = 2;
 
 /// How a stream is delivered.
-enum : uint16 { NP_NORMAL = 1, NP_SEEK = 2, NP_ASFILE = 3, NP_ASFILEONLY = 4 };
+inline constexpr uint16 NP_NORMAL = 1;
+inline constexpr uint16 NP_SEEK = 2;
+inline constexpr uint16 NP_ASFILE = 3;
+inline constexpr uint16 NP_ASFILEONLY = 4;
 
 /// What the browser asks of the plug-in, and what the plug-in sets.
 enum NPPVariable {

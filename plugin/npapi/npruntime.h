@@ -61,6 +61,5 @@ struct NPClass {
     bool (*setProperty)(NPObject* object, NPIdentifier name, const NPVariant* value);
     bool (*removeProperty)(NPObject* object, NPIdentifier name);
     bool (*enumerate)(NPObject* object, NPIdentifier** names, uint32* count);
-    bool (*construct)(NPObject* object, const NPVariant* args, uint32 argCount,
-                      NPVariant* result);
+    bool (*construct)(NPObject* object, const NPVariant* args, uint32 argCount, NPVariant* result);
 };

@@ -47,8 +47,7 @@ int IUErrorLog::WriteLog(int priority, const char* format, ...) {
     va_list args;
     va_start(args, format);
     const char* text = formatItem(
-        item,
-        "IUErrorLog::WriteLog(int a_iPriority, LPCTSTR lpszMsg, ...) - template is NULL\n",
+        item, "IUErrorLog::WriteLog(int a_iPriority, LPCTSTR lpszMsg, ...) - template is NULL\n",
         format, args);
     va_end(args);
     return priority != 0 ? WriteLogStr(priority, text) : WriteErrorStr(text);
