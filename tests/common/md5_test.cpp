@@ -1,0 +1,300 @@
+#include <gtest/gtest.h>
+#include <openssl/evp.h>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <random>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <vector>
+
+#include "CMD5.h"
+
+namespace {
+
+using Digest = std::array<unsigned char, 16>;
+
+const unsigned char* bytesOf(std::string_view text) {
+    return reinterpret_cast<const unsigned char*>(text.data());
+}
+
+std::string hex(const Digest& digest) {
+    std::string text;
+    for (const unsigned char byte : digest) {
+        constexpr std::string_view digits = "0123456789abcdef";
+        text += {digits[byte / 16], digits[byte % 16]};
+    }
+    return text;
+}
+
+Digest hashOf(std::string_view text) {
+    CMD5 md5;
+    Digest digest;
+    md5.HashBuffer(digest.data(), bytesOf(text), static_cast<int>(text.size()));
+    return digest;
+}
+
+Digest finish(CHash& hash) {
+    Digest digest;
+    hash.Final(digest.data());
+    return digest;
+}
+
+Digest referenceOf(std::string_view text) {
+    Digest digest;
+    EVP_Digest(text.data(), text.size(), digest.data(), nullptr, EVP_md5(), nullptr);
+    return digest;
+}
+
+std::string randomText(std::mt19937& random, std::size_t length) {
+    std::string text(length, '\0');
+    for (char& c : text) c = static_cast<char>(random());
+    return text;
+}
+
+// Shows the state and counts the operations that come through the object's own table.
+struct OpenMD5 : CMD5 {
+    using CMD5::buf;
+    using CMD5::bytes;
+    using CMD5::CMD5;
+    using CMD5::in;
+
+    void Init() override {
+        calls += 'I';
+        CMD5::Init();
+    }
+    void Update(const unsigned char* data, int len) override {
+        calls += 'U';
+        CMD5::Update(data, len);
+    }
+    void Final(unsigned char* digest) override {
+        calls += 'F';
+        CMD5::Final(digest);
+    }
+    bool isZero() const {
+        const auto zero = [](unsigned int word) { return word == 0; };
+        return std::ranges::all_of(buf, zero) && std::ranges::all_of(bytes, zero) &&
+               std::ranges::all_of(in, zero);
+    }
+
+    std::string calls;
+};
+
+struct Vector {
+    const char* text;
+    const char* digest;
+};
+class MD5Vector : public testing::TestWithParam<Vector> {};
+
+TEST_P(MD5Vector, HasThePublishedDigest) {
+    EXPECT_EQ(hex(hashOf(GetParam().text)), GetParam().digest);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rfc1321, MD5Vector,
+    testing::Values(
+        Vector{"", "d41d8cd98f00b204e9800998ecf8427e"},
+        Vector{"a", "0cc175b9c0f1b6a831c399e269772661"},
+        Vector{"abc", "900150983cd24fb0d6963f7d28e17f72"},
+        Vector{"message digest", "f96b697d7cb7938d525a2f31aaf161d0"},
+        Vector{"abcdefghijklmnopqrstuvwxyz", "c3fcd3d76192e4007dfb496cca67e13b"},
+        Vector{"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789",
+               "d174ab98d277d9f5a5611c2c9f419d9f"},
+        Vector{"12345678901234567890123456789012345678901234567890123456789012345678901234567890",
+               "57edf4a22be3c955ac49da2e2107b67a"}));
+
+TEST(MD5, IsAHashOf128Bits) {
+    static_assert(std::is_base_of_v<CHash, CMD5>);
+    EXPECT_EQ(CMD5().HashLengthBits(), 128);
+}
+
+TEST(MD5, TheInterfaceIsAbstractHoldsNoDataAndDestroysThroughItself) {
+    static_assert(std::is_abstract_v<CHash>);
+    static_assert(std::has_virtual_destructor_v<CHash>);
+    EXPECT_EQ(sizeof(CHash), sizeof(void*));
+}
+
+// The platform's C++ interface keeps a table offset in a pointer to a virtual member.
+template <typename Member>
+std::ptrdiff_t tableOffset(Member member) {
+    std::ptrdiff_t offset;
+    std::memcpy(&offset, &member, sizeof offset);
+    return offset;
+}
+
+TEST(MD5, OperationsStandInThePublishedTableOrder) {
+    const std::array offsets{tableOffset(&CHash::Init), tableOffset(&CHash::Update),
+                             tableOffset(&CHash::Final), tableOffset(&CHash::HashBuffer),
+                             tableOffset(&CHash::HashLengthBits)};
+    for (std::size_t i = 1; i < offsets.size(); ++i) {
+        EXPECT_EQ(offsets[i] - offsets[i - 1], std::ptrdiff_t{sizeof(void*)}) << i;
+    }
+}
+
+TEST(MD5, StateStandsInThePublishedOrder) {
+    EXPECT_EQ(sizeof(CMD5), sizeof(void*) + 88);
+    const OpenMD5 md5;
+    EXPECT_EQ(static_cast<const void*>(md5.buf + 4), md5.bytes);
+    EXPECT_EQ(static_cast<const void*>(md5.bytes + 2), md5.in);
+}
+
+TEST(MD5, ConstructorInitialises) {
+    const OpenMD5 md5;
+    EXPECT_EQ(md5.buf[0], 0x67452301u);
+    EXPECT_EQ(md5.buf[1], 0xefcdab89u);
+    EXPECT_EQ(md5.buf[2], 0x98badcfeu);
+    EXPECT_EQ(md5.buf[3], 0x10325476u);
+    EXPECT_EQ(md5.bytes[0], 0u);
+    EXPECT_EQ(md5.bytes[1], 0u);
+}
+
+TEST(MD5, ZeroFilledConstructorLeavesEverythingZero) {
+    EXPECT_TRUE(OpenMD5(CMD5::zeroFilled).isZero());
+}
+
+TEST(MD5, InitRestartsButLeavesTheInputBlock) {
+    OpenMD5 md5;
+    md5.Update(bytesOf("tail"), 4);
+    const unsigned int tail = md5.in[0];
+    md5.Init();
+    EXPECT_EQ(md5.in[0], tail);
+    EXPECT_NE(tail, 0u);
+    EXPECT_EQ(md5.bytes[0], 0u);
+    EXPECT_EQ(finish(md5), hashOf(""));
+}
+
+TEST(MD5, UpdateIgnoresANullPointer) {
+    OpenMD5 md5;
+    md5.Update(nullptr, 5);
+    EXPECT_EQ(md5.bytes[0], 0u);
+    EXPECT_EQ(finish(md5), hashOf(""));
+}
+
+TEST(MD5, UpdateIgnoresALengthThatIsNotPositive) {
+    OpenMD5 md5;
+    for (const int length : {0, -1, -64, -2147483647 - 1}) md5.Update(bytesOf("abc"), length);
+    EXPECT_EQ(md5.bytes[0], 0u);
+    EXPECT_EQ(finish(md5), hashOf(""));
+}
+
+TEST(MD5, UpdateCarriesTheByteCountIntoItsHighWord) {
+    OpenMD5 md5;
+    md5.bytes[0] = 0xffffffc0u;
+    md5.Update(bytesOf(std::string(70, 'x')), 70);
+    EXPECT_EQ(md5.bytes[0], 6u);
+    EXPECT_EQ(md5.bytes[1], 1u);
+}
+
+TEST(MD5, FinalHashesTheHighBitsOfTheLength) {
+    OpenMD5 low;
+    OpenMD5 high;
+    low.bytes[0] = 0x20000000u;  // 2^29 bytes: the bit length's low word is zero
+    high.bytes[1] = 1;           // 2^32 bytes: eight times as many
+    const Digest lowDigest = finish(low);
+    const Digest highDigest = finish(high);
+    EXPECT_NE(lowDigest, hashOf(""));
+    EXPECT_NE(highDigest, hashOf(""));
+    EXPECT_NE(lowDigest, highDigest);
+}
+
+TEST(MD5, FinalWipesTheWholeState) {
+    OpenMD5 md5;
+    md5.Update(bytesOf(std::string(100, 'x')), 100);
+    finish(md5);
+    EXPECT_TRUE(md5.isZero());
+}
+
+TEST(MD5, FinalWithoutADigestStillWipes) {
+    OpenMD5 md5;
+    md5.Update(bytesOf("abc"), 3);
+    md5.Final(nullptr);
+    EXPECT_TRUE(md5.isZero());
+}
+
+TEST(MD5, SecondHashNeedsInit) {
+    CMD5 md5;
+    md5.Update(bytesOf("abc"), 3);
+    finish(md5);
+    md5.Update(bytesOf("abc"), 3);
+    EXPECT_NE(finish(md5), hashOf("abc"));
+    md5.Init();
+    md5.Update(bytesOf("abc"), 3);
+    EXPECT_EQ(finish(md5), hashOf("abc"));
+}
+
+TEST(MD5, HashBufferGoesThroughTheObjectsOwnOperations) {
+    OpenMD5 md5;
+    Digest digest;
+    md5.HashBuffer(digest.data(), bytesOf("abc"), 3);
+    EXPECT_EQ(md5.calls, "IUF");
+    EXPECT_EQ(digest, hashOf("abc"));
+}
+
+TEST(MD5, HashBufferNeedsNoInitBefore) {
+    CMD5 md5(CMD5::zeroFilled);
+    Digest digest;
+    md5.HashBuffer(digest.data(), bytesOf("abc"), 3);
+    EXPECT_EQ(digest, hashOf("abc"));
+}
+
+TEST(MD5, ByteSwapReadsWordsAsLittleEndian) {
+    std::array<unsigned char, 8> bytes{0x01, 0x02, 0x03, 0x04, 0xf5, 0xf6, 0xf7, 0xf8};
+    std::array<unsigned int, 2> words;
+    std::memcpy(words.data(), bytes.data(), sizeof words);
+    CMD5::byteSwap(words.data(), 2);
+    EXPECT_EQ(words[0], 0x04030201u);
+    EXPECT_EQ(words[1], 0xf8f7f6f5u);
+}
+
+TEST(MD5, TransformMixesOneBlock) {
+    // The one block of the empty message.
+    std::array<unsigned int, 16> block{0x80};
+    std::array<unsigned int, 4> chain{0x67452301u, 0xefcdab89u, 0x98badcfeu, 0x10325476u};
+    CMD5::Transform(chain.data(), block.data());
+    EXPECT_EQ(chain, (std::array{0xd98c1dd4u, 0x04b2008fu, 0x980980e9u, 0x7e42f8ecu}));
+}
+
+TEST(MD5, EveryLengthAroundTheBlockEdgesAgreesWithThePeer) {
+    std::mt19937 random(1321);
+    for (std::size_t length = 0; length <= 300; ++length) {
+        const std::string text = randomText(random, length);
+        EXPECT_EQ(hashOf(text), referenceOf(text)) << length;
+    }
+}
+
+TEST(MD5, EverySplitInTwoGivesTheDigestOfOneCall) {
+    std::mt19937 random(2);
+    const std::string text = randomText(random, 200);
+    const Digest whole = hashOf(text);
+    for (std::size_t at = 0; at <= text.size(); ++at) {
+        CMD5 md5;
+        md5.Update(bytesOf(text), static_cast<int>(at));
+        md5.Update(bytesOf(text) + at, static_cast<int>(text.size() - at));
+        EXPECT_EQ(finish(md5), whole) << at;
+    }
+}
+
+TEST(MD5, RandomLengthsAndSplitsAgreeWithThePeer) {
+    std::mt19937 random(64);
+    for (int round = 0; round < 500; ++round) {
+        const std::string text = randomText(random, random() % 5000);
+        CMD5 md5;
+        for (std::size_t at = 0; at < text.size();) {
+            const std::size_t piece = std::min<std::size_t>(random() % 200, text.size() - at);
+            md5.Update(bytesOf(text) + at, static_cast<int>(piece));
+            at += piece;
+        }
+        EXPECT_EQ(finish(md5), referenceOf(text)) << "round " << round;
+    }
+}
+
+TEST(MD5, UnalignedInputIsHashedAsIs) {
+    const std::string text = "0" + std::string(640, 'y');
+    CMD5 md5;
+    md5.Update(bytesOf(text) + 1, 640);
+    EXPECT_EQ(finish(md5), referenceOf(text.substr(1)));
+}
+
+}  // namespace
