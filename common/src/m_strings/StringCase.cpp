@@ -1,0 +1,70 @@
+#include "StringCase.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstdint>
+#include <cstring>
+
+namespace {
+
+constexpr std::uint64_t kEveryByte = 0x0101010101010101U;
+// Texts are measured this far ahead of the comparison, so that an early difference stays cheap.
+constexpr std::size_t kStretch = 64;
+
+int folded(char ch) {
+    const unsigned char byte = static_cast<unsigned char>(ch);
+    return byte >= 'A' && byte <= 'Z' ? byte + 32 : byte;
+}
+
+std::uint64_t eightFolded(const char* text) {
+    std::uint64_t bytes;
+    memcpy(&bytes, text, sizeof bytes);
+    // The top bit of each byte tells, without a carry into its neighbour, whether the low seven
+    // bits are at least 'A' and whether they are beyond 'Z'.
+    const std::uint64_t low = bytes & (kEveryByte * 0x7F);
+    const std::uint64_t fromA = low + kEveryByte * (0x80 - 'A');
+    const std::uint64_t beyondZ = low + kEveryByte * (0x80 - 'Z' - 1);
+    const std::uint64_t isLetter = fromA & ~beyondZ & ~bytes & (kEveryByte * 0x80);
+    return bytes + (isLetter >> 2);
+}
+
+std::size_t sameFolded(const char* a, const char* b, std::size_t length) {
+    std::size_t at = 0;
+    while (at + 8 <= length && eightFolded(a + at) == eightFolded(b + at)) at += 8;
+    while (at < length && folded(a[at]) == folded(b[at])) ++at;
+    return at;
+}
+
+}  // namespace
+
+char* _strupr(char* text) {
+    if (text == nullptr) return text;
+    for (char* at = text; *at != '\0'; ++at) {
+        const int byte = static_cast<unsigned char>(*at);
+        if (islower(byte) != 0) *at = static_cast<char>(toupper(byte));
+    }
+    return text;
+}
+
+char* _strlwr(char* text) {
+    if (text == nullptr) return text;
+    for (char* at = text; *at != '\0'; ++at) {
+        const int byte = static_cast<unsigned char>(*at);
+        if (isupper(byte) != 0) *at = static_cast<char>(tolower(byte));
+    }
+    return text;
+}
+
+int _strcmpi(const char* a, const char* b) {
+    if (a == nullptr) a = "";
+    if (b == nullptr) b = "";
+    for (;;) {
+        const std::size_t stretch = std::min(strnlen(a, kStretch), strnlen(b, kStretch));
+        const std::size_t same = sameFolded(a, b, stretch);
+        a += same;
+        b += same;
+        if (same < kStretch) return folded(*a) - folded(*b);
+    }
+}
+
+int _stricmp(const char* a, const char* b) { return _strcmpi(a, b); }
