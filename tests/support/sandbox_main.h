@@ -1,9 +1,9 @@
 #pragma once
 
 /// The `main` of test programs that write below /Library, HOME or /tmp, open sockets, or signal
-/// processes: linking `zerva_sandbox_main` gives a GoogleTest program a `main` that runs the program
-/// again inside scripts/sandbox, so that nothing of the machine is touched. Listing the tests
-/// needs no sandbox.
+/// processes: linking `zerva_sandbox_main` gives a GoogleTest program a `main` that runs the
+/// program again inside scripts/sandbox, so that nothing of the machine is touched. Listing the
+/// tests needs no sandbox.
 ///
 /// Arguments, beside GoogleTest's own:
 ///   --sandbox-user=root|user   who the tests run as; an ordinary user unless said otherwise
