@@ -1,0 +1,33 @@
+// The settings belong to the user: a process that runs as root reads them and never writes.
+
+#include "ULogSettings.h"
+#include "temporary_home.h"
+
+namespace {
+
+class LogSettingsAsRoot : public TemporaryHome {};
+
+TEST_F(LogSettingsAsRoot, AskingForALevelMakesNoFile) {
+    makeLibrary();
+    EXPECT_EQ(ULogSettings::getLogLevel(), 63u);
+    EXPECT_EQ(ULogSettings::getModuleLogLevel("nevo"), 63u);
+    EXPECT_FALSE(std::filesystem::exists(settingsFolder()));
+}
+
+TEST_F(LogSettingsAsRoot, SettingALevelMakesNoFile) {
+    makeLibrary();
+    ULogSettings::setLogLevel(5, 0);
+    ULogSettings::setModuleLogLevel("nevo", 5);
+    EXPECT_FALSE(std::filesystem::exists(settingsFolder()));
+}
+
+TEST_F(LogSettingsAsRoot, SettingALevelTouchesNothing) {
+    writeSettings("default_log_level=63\n");
+    std::filesystem::permissions(settingsPath(), std::filesystem::perms{0640});
+    ULogSettings::setLogLevel(5, 0);
+    ULogSettings::setModuleLogLevel("nevo", 5);
+    EXPECT_EQ(readSettings(), "default_log_level=63\n");
+    EXPECT_EQ(modeOf(settingsPath()), 0640u);
+}
+
+}  // namespace
