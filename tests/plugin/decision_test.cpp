@@ -102,7 +102,10 @@ TEST_P(RefusedProbe, IsLoggedAndLeavesTheInstanceAlive) {
                 ElementsAre("[NS_ProbeVpn] ERROR! cannot call GetURL. "
                             "url='http://127.0.0.1:44444/vpn.php?INFO', errorcode='" +
                             std::to_string(GetParam()) + "'\n"));
-    EXPECT_TRUE(log.contains("[NS_NewPluginInstance] Error call of NS_probeVpn. '-7'\n"));
+    EXPECT_THAT(log.linesStarting("[NS_NewPluginInstance] Error call"),
+                ElementsAre("[NS_NewPluginInstance] Error call of NS_probeVpn. '-7'\n"));
+    EXPECT_TRUE(log.contains("[NS_NewPluginInstance] Done\n"));
+    EXPECT_EQ(page.record().doNotTerminate, 1);
 }
 
 INSTANTIATE_TEST_SUITE_P(Errors, RefusedProbe, testing::Range(1, 16),
