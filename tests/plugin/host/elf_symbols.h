@@ -2,28 +2,33 @@
 
 #include <cstdint>
 #include <string>
-#include <unordered_map>
+#include <string_view>
 #include <vector>
 
-/// The symbols of an ELF file, the hidden ones included: the addresses, relative to where the file
-/// is loaded, of everything that its symbol table names.
-///
-/// Lets a test reach a loaded module's inner state without the module exporting it.
+/// The symbols of an ELF file, the hidden ones included: lets a test reach a loaded module's inner
+/// state without the module exporting it. Holds the file mapped while it lives.
 class ElfSymbols {
   public:
-    /// Reads the 64-bit ELF file at `path`.
-    /// Throws std::runtime_error when it is none, or carries no symbol table.
+    /// Maps the 64-bit ELF file at `path`. Throws std::runtime_error when it is none.
     explicit ElfSymbols(const std::string& path);
+    ElfSymbols(const ElfSymbols&) = delete;
+    ElfSymbols& operator=(const ElfSymbols&) = delete;
+    ~ElfSymbols();
 
-    /// @return the offset of `name` from the file's load address.
+    /// @return how far `name` lies from where the file is loaded.
     /// Throws std::runtime_error, saying what is missing, when there is no such symbol.
-    std::uintptr_t offsetOf(const std::string& name) const;
+    std::uintptr_t offsetOf(std::string_view name) const;
 
-    /// The names that the file offers to others, sorted.
-    const std::vector<std::string>& exported() const { return m_exported; }
+    /// @return the names that the file offers to others, sorted.
+    std::vector<std::string> exported() const;
 
   private:
+    template <typename Visit>
+    bool visitSymbols(std::uint32_t table, Visit visit) const;
+    template <typename Record>
+    const Record* recordsAt(std::uint64_t offset, std::uint64_t count) const;
+
     std::string m_path;
-    std::unordered_map<std::string, std::uintptr_t> m_offsets;
-    std::vector<std::string> m_exported;
+    const char* m_file = nullptr;
+    std::uint64_t m_size = 0;
 };

@@ -9,11 +9,11 @@
 
 /// How the scripted service treats one connection.
 struct ServiceScript {
-    std::size_t requestSize = 0;        ///< reads this many bytes before it answers
-    std::vector<std::string> segments;  ///< what it sends; each but the first only after the
-                                        ///< peer closed or has waited in vain for it
-    bool resets = false;                ///< ends with a reset instead of a close
-    bool waitsForPeer = true;           ///< closes only after the peer has
+    std::size_t requestSize = 0;             ///< reads this many bytes before it answers
+    std::vector<std::string> segments = {};  ///< what it sends; each but the first only after the
+                                             ///< peer closed or has waited in vain for it
+    bool resets = false;                     ///< ends with a reset instead of a close
+    bool waitsForPeer = true;                ///< closes only after the peer has
 };
 
 /// A service on 127.0.0.1:44444 that does to the byte what its script says and keeps what came in.
