@@ -3,6 +3,8 @@
 #include <array>
 #include <cctype>
 #include <cstring>
+#include <memory>
+#include <string_view>
 
 #include "HexText.h"
 #include "ScanNumber.h"
@@ -29,6 +31,19 @@ std::size_t decode(const char* text, std::size_t length, char* to) {
     std::memcpy(to, text, rest);
     return static_cast<std::size_t>(to - start) + rest;
 }
+
+// The bytes that the current locale calls letters and digits, each asked for once.
+class PlainBytes {
+  public:
+    bool contain(unsigned char byte) {
+        signed char& known = m_known[byte];
+        if (known == 0) known = std::isalnum(byte) != 0 ? 1 : -1;
+        return known > 0;
+    }
+
+  private:
+    std::array<signed char, 256> m_known{};
+};
 
 struct KnownScheme {
     const char* prefix;
@@ -81,28 +96,21 @@ void cutUserInformation(CString& host) {
 
 CString URLEncode(const CString& text) {
     constexpr char kDigits[] = "0123456789ABCDEF";
-    const char* const from = text;
     const auto length = static_cast<std::size_t>(text.GetLength());
-    const auto isPlain = [from](std::size_t i) {
-        return std::isalnum(static_cast<unsigned char>(from[i])) != 0;
-    };
-    std::size_t plain = 0;
-    for (std::size_t i = 0; i < length; ++i) plain += isPlain(i);
-
     // Every byte is written as an escape and then counted as long as it is to be: branches on what
-    // a text holds cannot be foreseen. The last plain bytes may so write two bytes too far.
-    const int encoded = textLength(length * 3 - plain * 2);
-    CString result;
-    char* to = result.GetBuffer(textLength(static_cast<std::size_t>(encoded) + 2));
-    for (std::size_t i = 0; i < length; ++i) {
-        const auto byte = static_cast<unsigned char>(from[i]);
-        to[0] = isPlain(i) ? from[i] : '%';
+    // a text holds cannot be foreseen.
+    const auto scratch = std::make_unique_for_overwrite<char[]>(length * 3);
+    PlainBytes plain;
+    char* to = scratch.get();
+    for (const char c : std::string_view(text, length)) {
+        const auto byte = static_cast<unsigned char>(c);
+        const bool isPlain = plain.contain(byte);
+        to[0] = isPlain ? c : '%';
         to[1] = kDigits[byte / 16];
         to[2] = kDigits[byte % 16];
-        to += isPlain(i) ? 1 : 3;
+        to += isPlain ? 1 : 3;
     }
-    result.ReleaseBuffer(encoded);
-    return result;
+    return CString(scratch.get(), textLength(static_cast<std::size_t>(to - scratch.get())));
 }
 
 CString URLDecode(const CString& text) {
