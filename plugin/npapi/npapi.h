@@ -37,7 +37,7 @@ inline constexpr uint16 NP_ASFILE = 3;
 inline constexpr uint16 NP_ASFILEONLY = 4;
 
 /// What the browser asks of the plug-in, and what the plug-in sets.
-enum NPPVariable {
+enum NPPVariable : int {
     NPPVpluginNameString = 1,
     NPPVpluginDescriptionString = 2,
     NPPVpluginWindowBool = 3,
