@@ -81,7 +81,7 @@ int stopService() {
 
 // Hands the text to the program and closes the pipe, so that it reads the end of its input.
 void sendLaunchData(UniqueFd pipe, const char* launchData) {
-    const SigpipeGuard guard;
+    const SigpipeGuard guard(pipe.get());
     // A program that does not read its input is judged by its exit status alone.
     [[maybe_unused]] const ssize_t ignored = write(pipe.get(), launchData, strlen(launchData));
 }

@@ -23,6 +23,6 @@ bool connectToService(const UniqueFd& service) {
 }
 
 ssize_t writeToService(const UniqueFd& service, const void* block, size_t size) {
-    const SigpipeGuard guard;
+    const SigpipeGuard guard(service.get());
     return write(service.get(), block, size);
 }

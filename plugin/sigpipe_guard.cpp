@@ -1,5 +1,7 @@
 #include "sigpipe_guard.h"
 
+#include <fcntl.h>
+
 #include <cerrno>
 
 namespace {
@@ -19,7 +21,10 @@ bool isSigpipePending() {
 
 }  // namespace
 
-SigpipeGuard::SigpipeGuard() : m_wasPending(isSigpipePending()) {
+SigpipeGuard::SigpipeGuard(int fd) : m_wasPending(isSigpipePending()) {
+    // macOS sends the signal to the process, past this thread's mask, unless the descriptor forbids
+    // it. Where the command is not known the signal goes to the thread, and the mask is enough.
+    fcntl(fd, F_SETNOSIGPIPE, 1);
     const sigset_t sigpipe = sigpipeOnly();
     pthread_sigmask(SIG_BLOCK, &sigpipe, &m_previousMask);
 }

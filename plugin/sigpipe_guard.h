@@ -2,12 +2,12 @@
 
 #include <csignal>
 
-/// While it lives, a write to a pipe or socket that nobody reads any more fails with EPIPE instead
-/// of ending the browser with SIGPIPE. Only this thread is concerned, and a signal that was pending
-/// before stays so.
+/// While it lives, a write to a pipe or socket of ours that nobody reads any more fails with EPIPE
+/// instead of ending the browser with SIGPIPE. The browser's own signals are left alone: only this
+/// thread's mask changes, and a signal that was pending before stays so.
 class SigpipeGuard {
   public:
-    SigpipeGuard();
+    explicit SigpipeGuard(int fd);
     ~SigpipeGuard();
     SigpipeGuard(const SigpipeGuard&) = delete;
     SigpipeGuard& operator=(const SigpipeGuard&) = delete;
