@@ -12,6 +12,18 @@ namespace {
 constexpr char kModuleName[] = "nevo_plugin";
 constexpr char kLogFile[] = "/Library/Logs/Zerva/nevo_plugin.log";
 
+// Does something with the log, if there is one. What fails there, which only a full memory makes it
+// do, must not cost the page its connection.
+template <typename Action>
+void withLog(Action action) noexcept {
+    IUErrorLog* log = errorLog;
+    if (log == nullptr) return;
+    try {
+        action(*log);
+    } catch (...) {
+    }
+}
+
 void writeBanner() {
     constexpr char kRule[] =
         "[PluginOpenLog] -------------------------------------------------------------\n";
@@ -26,7 +38,7 @@ void writeBanner() {
 
 void PluginOpenLog() {
     if (errorLog == nullptr) return;
-    const CString path = CString(getCurrentUserHomeFolder()) + kLogFile;
+    const CString path = getCurrentUserHomeFolder() + kLogFile;
     errorLog->setParam("module_name", kModuleName);
     errorLog->Open(path, "a");
     errorLog->SetLogLevel(static_cast<int>(ULogSettings::getModuleLogLevel(kModuleName)));
@@ -34,19 +46,16 @@ void PluginOpenLog() {
 }
 
 void PluginWriteLog(int /*level*/, const char* format, ...) noexcept {
-    if (errorLog == nullptr) return;
     va_list args;
     va_start(args, format);
-    try {
+    withLog([&](IUErrorLog& log) {
         CString line;
         line.FormatV(format, args);
-        errorLog->WriteLogStr(line);
-    } catch (...) {
-        // A line lost to a full memory must not cost the page its connection.
-    }
+        log.WriteLogStr(line);
+    });
     va_end(args);
 }
 
-void PluginCloseLog() {
-    if (errorLog != nullptr) errorLog->Close();
+void PluginCloseLog() noexcept {
+    withLog([](IUErrorLog& log) { log.Close(); });
 }

@@ -24,5 +24,5 @@ void PluginOpenLog();
 void PluginWriteLog(int level, const char* format, ...) noexcept
     __attribute__((format(printf, 2, 3)));
 
-/// Closes the log.
-void PluginCloseLog();
+/// Closes the log. Never throws.
+void PluginCloseLog() noexcept;
