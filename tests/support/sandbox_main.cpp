@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace {
@@ -31,7 +32,12 @@ int enterSandbox(const std::vector<std::string>& arguments) {
         if (argument == "--sandbox-as-pid-1") command.emplace_back("--as-pid-1");
     }
     if (asUser) command.emplace_back("--user");
-    command.insert(command.end(), {"--", ownPath()});
+    command.emplace_back("--");
+    for (const std::string& argument : arguments) {
+        constexpr std::string_view through = "--sandbox-through=";
+        if (argument.starts_with(through)) command.push_back(argument.substr(through.size()));
+    }
+    command.push_back(ownPath());
     command.insert(command.end(), arguments.begin() + 1, arguments.end());
 
     std::vector<char*> argv;

@@ -8,6 +8,8 @@
 /// Arguments, beside GoogleTest's own:
 ///   --sandbox-user=root|user   who the tests run as; an ordinary user unless said otherwise
 ///   --sandbox-as-pid-1         the program is process 1 of its process namespace
+///   --sandbox-through=WORD     a command inside the sandbox that runs the program; one option
+///                              for each of its words
 ///
 /// `zerva_sandbox_test` in tests/CMakeLists.txt registers a program with them.
 
