@@ -19,6 +19,9 @@
 
 namespace {
 
+// What the kernel of a 64-bit Mac fills in.
+static_assert(sizeof(kinfo_proc) == 648);
+
 struct FreeMemory {
     void operator()(void* memory) const { free(memory); }
 };

@@ -11,6 +11,7 @@
 #include "notify_data.h"
 #include "npn_gate.h"
 #include "page_parameters.h"
+#include "plugin_identity.h"
 #include "plugin_log.h"
 #include "vpn_control.h"
 

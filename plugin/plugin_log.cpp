@@ -6,6 +6,7 @@
 #include "IUErrorLog.h"
 #include "ULogSettings.h"
 #include "UserFolders.h"
+#include "plugin_identity.h"
 
 namespace {
 

@@ -3,15 +3,6 @@
 // The plug-in's one way to its log, nevo_plugin.log in the user's logs folder. All of it does
 // nothing while the process has no log object.
 
-/// The plug-in's fixed names, as the browser, the log and the bundle show them. The version text
-/// is literally this; no build replaces it.
-namespace plugin_identity {
-inline constexpr char kName[] = "Zerva Lanway plugin";
-inline constexpr char kDescription[] = "Zerva Lanway plugin, Ver. ZERVA_VERSION";
-inline constexpr char kVersion[] = "ZERVA_VERSION";
-inline constexpr char kMimeDescription[] = "application/x-zerva-sslvpn:xvpn:Zerva Lanway plugin";
-}  // namespace plugin_identity
-
 /// Opens the log at the level that the user's settings give to the plug-in and writes the banner.
 /// Called again for every page instance; an open log stays open.
 void PluginOpenLog();
