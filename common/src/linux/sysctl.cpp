@@ -37,20 +37,27 @@ pid_t nextPid(DIR* proc) {
     return 0;
 }
 
-// Reads a process's short name; false when the process has ended meanwhile.
+// Reads a process's short name; false when it cannot be had, as of a process that has ended.
 bool readName(DIR* proc, pid_t pid, char (&name)[MAXCOMLEN + 1]) {
     char path[32] = {};
     char* end = std::to_chars(path, path + sizeof path - sizeof "/comm", pid).ptr;
     memcpy(end, "/comm", sizeof "/comm");
     const int file = openat(dirfd(proc), path, O_RDONLY | O_CLOEXEC);
     if (file < 0) return false;
-    const ssize_t count = read(file, name, MAXCOMLEN);
+    ssize_t count = read(file, name, MAXCOMLEN);
     close(file);
-    if (count <= 0) return false;
+    if (count <= 0) {
+        errno = ESRCH;
+        return false;
+    }
+    // The name may hold line ends of its own; only the last one is the file's.
+    if (name[count - 1] == '\n') --count;
     name[count] = '\0';
-    name[strcspn(name, "\n")] = '\0';
     return true;
 }
+
+// A reason to give up: without descriptors or memory, living processes would be left out.
+bool isShortage(int error) { return error == EMFILE || error == ENFILE || error == ENOMEM; }
 
 int reportSize(DIR* proc, size_t& size) {
     size_t records = 1 + kSpareRecords;
@@ -59,24 +66,32 @@ int reportSize(DIR* proc, size_t& size) {
     return 0;
 }
 
+// Appends a record; false, with the reason in errno, when there is no room left.
+bool append(const kinfo_proc& record, char* buffer, size_t room, size_t& size) {
+    if (room - size < sizeof record) {
+        errno = ENOMEM;
+        return false;
+    }
+    memcpy(buffer + size, &record, sizeof record);
+    size += sizeof record;
+    return true;
+}
+
 int fillRecords(DIR* proc, char* buffer, size_t& size) {
     const size_t room = size;
     size = 0;
     kinfo_proc record = {};
     memcpy(record.kp_proc.p_comm, kKernelName, sizeof kKernelName);
-    do {
-        if (room - size < sizeof record) {
-            errno = ENOMEM;
+    if (!append(record, buffer, room, size)) return -1;
+    while (const pid_t pid = nextPid(proc)) {
+        record = {};
+        record.kp_proc.p_pid = pid;
+        if (readName(proc, pid, record.kp_proc.p_comm)) {
+            if (!append(record, buffer, room, size)) return -1;
+        } else if (isShortage(errno)) {
             return -1;
         }
-        memcpy(buffer + size, &record, sizeof record);
-        size += sizeof record;
-        record = {};
-        do {
-            record.kp_proc.p_pid = nextPid(proc);
-        } while (record.kp_proc.p_pid != 0 &&
-                 !readName(proc, record.kp_proc.p_pid, record.kp_proc.p_comm));
-    } while (record.kp_proc.p_pid != 0);
+    }
     return 0;
 }
 

@@ -40,5 +40,6 @@ static_assert(sizeof(kinfo_proc) == 648);
 /// processes that start meanwhile. Otherwise `*oldlenp` is the buffer's size, and afterwards the
 /// bytes that were filled.
 /// @return 0, or -1 with errno: ENOENT for any other name, EPERM for an attempt to set a value,
-/// ENOMEM when the buffer is too small, or what opening /proc gave.
+/// ENOMEM when the buffer is too small, or what opening /proc or a process's entry gave when
+/// descriptors or memory ran out.
 int sysctl(int* name, u_int namelen, void* oldp, size_t* oldlenp, void* newp, size_t newlen);
