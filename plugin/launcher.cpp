@@ -1,5 +1,6 @@
 #include "launcher.h"
 
+#include <fcntl.h>
 #include <sys/sysctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -112,6 +113,8 @@ int startService(const char* launchData) {
     }
     UniqueFd readEnd(ends[0]);
     UniqueFd writeEnd(ends[1]);
+    // A program that another thread starts meanwhile must not hold the input open.
+    fcntl(writeEnd.get(), F_SETFD, FD_CLOEXEC);
     const pid_t pid = fork();
     if (pid == -1) {
         PluginWriteLog(0, "[LaunchVPN] fork error='%d'\n", errno);
