@@ -34,13 +34,12 @@ endif()
 
 set(CMAKE_CXX_LINKER_WRAPPER_FLAG "")
 set(CMAKE_CXX_LINKER_WRAPPER_FLAG_SEP "")
-# -dead_strip also drops the runtime's one import that came after macOS 10.13; -x and -S leave no
-# local symbols; the map file beside the module tells tests where its inner variables lie.
+# The map file beside the module tells tests where its inner variables lie.
 string(
   CONCAT CMAKE_CXX_CREATE_SHARED_MODULE
          "\"${ZERVA_LD64}\" -arch ${ZERVA_MACOS_ARCH}"
          " -platform_version macos ${ZERVA_MACOS_MINIMUM} ${ZERVA_MACOS_MINIMUM}"
-         " -syslibroot / -bundle -dead_strip -x -S -adhoc_codesign -map <TARGET>.map"
+         " -syslibroot / -bundle -adhoc_codesign -map <TARGET>.map"
          " <LINK_FLAGS> -o <TARGET> <OBJECTS> <LINK_LIBRARIES>")
 foreach(archive IN LISTS ZERVA_ZIG_RUNTIME)
   string(APPEND CMAKE_CXX_CREATE_SHARED_MODULE " \"${archive}\"")

@@ -32,7 +32,10 @@ set_target_properties(
              BUNDLE_EXTENSION plugin
              OUTPUT_NAME "${bundle_name}"
              MACOSX_BUNDLE_INFO_PLIST "${CMAKE_CURRENT_BINARY_DIR}/Info.plist")
-target_link_options(nevo_plugin PRIVATE
-                    "LINKER:-exported_symbols_list,${CMAKE_CURRENT_SOURCE_DIR}/macos/exports.txt")
+# Stripping drops the local symbols, and code that nobody calls with all that it would import.
+target_link_options(
+  nevo_plugin PRIVATE
+  "LINKER:-exported_symbols_list,${CMAKE_CURRENT_SOURCE_DIR}/macos/exports.txt"
+  LINKER:-dead_strip LINKER:-x LINKER:-S)
 set_property(TARGET nevo_plugin APPEND PROPERTY LINK_DEPENDS
              "${CMAKE_CURRENT_SOURCE_DIR}/macos/exports.txt")

@@ -124,14 +124,19 @@ class Image:
             _walk_trie(Bytes(self.bytes.part(offset, size), "the exports trie"), 0, "", names, 0)
         return sorted(names)
 
-    @property
-    def imports(self):
-        return {name for name, kind in self.symbols
-                if not kind & N_STAB and kind & N_EXT and not kind & N_TYPE}
+    def imports(self, library):
+        """The names that the image wants from one of its libraries."""
+        return {name for name, kind, description in self.symbols
+                if not kind & N_STAB and kind & N_EXT and not kind & N_TYPE
+                and self._library(description >> 8) == library}
+
+    def _library(self, ordinal):
+        known = 1 <= ordinal <= len(self.libraries)
+        return self.libraries[ordinal - 1] if known else None
 
     @property
     def external_symbols(self):
-        return {name for name, kind in self.symbols
+        return {name for name, kind, _ in self.symbols
                 if not kind & (N_STAB | N_PEXT) and kind & N_EXT and kind & N_TYPE}
 
 
@@ -157,8 +162,8 @@ def _version(packed):
 def _read_symbols(image, offset):
     symbols, count, strings, _ = image.bytes.unpack("<4I", offset + 8)
     for i in range(count):
-        name, kind = image.bytes.unpack("<IB", symbols + 16 * i)
-        image.symbols.append((image.bytes.text(strings + name), kind))
+        name, kind, _, description = image.bytes.unpack("<IBBH", symbols + 16 * i)
+        image.symbols.append((image.bytes.text(strings + name), kind, description))
 
 
 def _read_command(image, command, offset):

@@ -9,7 +9,8 @@ from .source_texts import SOURCE, words_of
 
 MINIMUM = {"x86_64": (10, 13), "arm64": (11, 0)}
 PAGE_BITS = {"x86_64": 12, "arm64": 14}
-SYSTEM_LIBRARIES = {"/usr/lib/libSystem.B.dylib", "/usr/lib/libc++.1.dylib"}
+LIB_SYSTEM = "/usr/lib/libSystem.B.dylib"
+LIB_CXX = "/usr/lib/libc++.1.dylib"
 
 # An absolute path, of two folders at least, to a file that only a build has.
 SOURCE_PATH = re.compile(rb"(?<![\w./-])/[^/\0\n\"' ]+/[^\0\n\"']*\.(?:cpp|cc|c|h|hpp|o|a|tbd)\b")
@@ -26,7 +27,9 @@ def allowed_imports(arch):
 def _check_link(image, where, arch, findings):
     findings.want(image.file_type == macho.MH_BUNDLE, where,
                   f"is of file type {image.file_type}, not a bundle (8)", LINK_CURE)
-    findings.want(not image.flags & (macho.MH_WEAK_DEFINES | macho.MH_BINDS_TO_WEAK), where,
+    # The system's libc++ offers its operators new and delete weakly; a linked-in one must not.
+    weak = macho.MH_WEAK_DEFINES | (0 if LIB_CXX in image.libraries else macho.MH_BINDS_TO_WEAK)
+    findings.want(not image.flags & weak, where,
                   "has weak definitions, which mix with the browser's",
                   "link it with the list plugin/macos/exports.txt")
     findings.want(image.platform == macho.PLATFORM_MACOS, where, "is not built for macOS",
@@ -41,14 +44,14 @@ def _check_link(image, where, arch, findings):
 
 
 def _check_surroundings(image, where, arch, findings):
-    strange = sorted(set(image.libraries) - SYSTEM_LIBRARIES)
+    strange = sorted(set(image.libraries) - {LIB_SYSTEM, LIB_CXX})
     findings.want(not strange, where, f"needs {', '.join(strange)}",
                   "link nothing but the system's own libraries")
-    findings.want("/usr/lib/libSystem.B.dylib" in image.libraries, where,
-                  "does not name libSystem", LINK_CURE)
+    findings.want(LIB_SYSTEM in image.libraries, where, "does not name libSystem", LINK_CURE)
     findings.want(not image.run_paths, where, f"searches {', '.join(image.run_paths)}",
                   "link it without -rpath")
-    unknown = sorted(image.imports - allowed_imports(arch))
+    wanted = image.imports(LIB_SYSTEM) | image.imports(None)
+    unknown = sorted(wanted - allowed_imports(arch))
     findings.want(not unknown, where, f"imports {', '.join(unknown)}",
                   "do without, or add to plugin/macos/imports.txt what macOS "
                   "{}.{} has".format(*MINIMUM[arch]))

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Builds the bundle a second time, from a copy of the sources in another folder: it must be the same
+# Builds bundle and archive a second time, from a copy of the sources in another folder: it must be the same
 # to the byte.
 #
 #   reproducible_test.sh SOURCES SCRATCH
@@ -13,7 +13,6 @@ tar --create --directory "$sources" --exclude=./build --exclude=./.git . |
   tar --extract --directory "$scratch"
 ln -s "$sources/build/tools" "$scratch/build/tools"
 
-ZIG_GLOBAL_CACHE_DIR=$cache "$scratch/scripts/bundle"
-diff --recursive "$sources/build/bundle/Zerva SSL VPN Plugin.plugin" \
-  "$scratch/build/bundle/Zerva SSL VPN Plugin.plugin"
+ZIG_GLOBAL_CACHE_DIR=$cache "$scratch/scripts/bundle" --archive
+diff --recursive "$sources/build/bundle" "$scratch/build/bundle"
 rm -rf "$scratch"
