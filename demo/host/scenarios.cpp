@@ -137,7 +137,7 @@ const std::vector<Scenario>& scenarios() {
         {"already-running",
          "the page was told that the service was already running; the service still runs",
          alreadyRunning},
-        {"not-installed", "the page's VPNNotInstalled() was called; nothing was started",
+        {"not-installed", "the page's VPNNotInstalled() was called; nothing else came of it",
          notInstalled},
         {"service-dies", "the page was told \"ssldrop\"; nothing was asked after that",
          serviceDies},
