@@ -14,18 +14,14 @@ inline std::uint32_t randomSeed() {
     return seed;
 }
 
-/// How often a random test goes round: `full` times, and a twentieth of that in a build that a
-/// sanitizer slows down.
-constexpr int randomRounds(int full) {
+/// Whether this build is slowed down, and its memory watched, by a sanitizer.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    return full / 20;
+constexpr bool kSanitized = true;
 #elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-    return full / 20;
+constexpr bool kSanitized = __has_feature(address_sanitizer) || __has_feature(thread_sanitizer);
 #else
-    return full;
+constexpr bool kSanitized = false;
 #endif
-#else
-    return full;
-#endif
-}
+
+/// How often a random test goes round: `full` times, and a twentieth of that under a sanitizer.
+constexpr int randomRounds(int full) { return kSanitized ? full / 20 : full; }
