@@ -1,0 +1,125 @@
+// Locks and waits beside the standard library's, Qt's and the platform's.
+
+#include <benchmark/benchmark.h>
+#include <semaphore.h>
+
+#include <QRecursiveMutex>
+#include <QSemaphore>
+#include <mutex>
+
+#include "UAutoSync.h"
+#include "UCriticalSection.h"
+#include "UEvent.h"
+#include "UMutex.h"
+#include "USemaphore.h"
+
+namespace {
+
+UCriticalSection section;
+std::recursive_mutex standardMutex;
+QRecursiveMutex qtMutex;
+
+void lockOurs(benchmark::State& state) {
+    for (auto _ : state) {
+        const UAutoSync sync(section);
+        benchmark::ClobberMemory();
+    }
+}
+
+void lockStandard(benchmark::State& state) {
+    for (auto _ : state) {
+        const std::lock_guard sync(standardMutex);
+        benchmark::ClobberMemory();
+    }
+}
+
+void lockQt(benchmark::State& state) {
+    for (auto _ : state) {
+        qtMutex.lock();
+        benchmark::ClobberMemory();
+        qtMutex.unlock();
+    }
+}
+
+void nestedOurs(benchmark::State& state) {
+    const UAutoSync outer(section);
+    lockOurs(state);
+}
+
+void nestedStandard(benchmark::State& state) {
+    const std::lock_guard outer(standardMutex);
+    lockStandard(state);
+}
+
+void timedOurs(benchmark::State& state) {
+    UMutex mutex;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(mutex.Acquire(1000));
+        mutex.Release();
+    }
+}
+
+void timedStandard(benchmark::State& state) {
+    std::recursive_timed_mutex mutex;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(mutex.try_lock_for(std::chrono::seconds(1)));
+        mutex.unlock();
+    }
+}
+
+void timedQt(benchmark::State& state) {
+    QRecursiveMutex mutex;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(mutex.tryLock(1000));
+        mutex.unlock();
+    }
+}
+
+void semaphoreOurs(benchmark::State& state) {
+    USemaphore semaphore(0, 10);
+    for (auto _ : state) {
+        semaphore.Release();
+        benchmark::DoNotOptimize(semaphore.Acquire(0));
+    }
+}
+
+void semaphorePosix(benchmark::State& state) {
+    sem_t semaphore;
+    sem_init(&semaphore, 0, 0);
+    for (auto _ : state) {
+        sem_post(&semaphore);
+        benchmark::DoNotOptimize(sem_trywait(&semaphore));
+    }
+    sem_destroy(&semaphore);
+}
+
+void semaphoreQt(benchmark::State& state) {
+    QSemaphore semaphore;
+    for (auto _ : state) {
+        semaphore.release();
+        benchmark::DoNotOptimize(semaphore.tryAcquire());
+    }
+}
+
+void eventOurs(benchmark::State& state) {
+    UEvent event(true, true);
+    for (auto _ : state) benchmark::DoNotOptimize(event.wait(kWaitForever));
+}
+
+BENCHMARK(lockOurs);
+BENCHMARK(lockStandard);
+BENCHMARK(lockQt);
+BENCHMARK(nestedOurs);
+BENCHMARK(nestedStandard);
+BENCHMARK(lockOurs)->Threads(2)->UseRealTime();
+BENCHMARK(lockStandard)->Threads(2)->UseRealTime();
+BENCHMARK(lockQt)->Threads(2)->UseRealTime();
+BENCHMARK(timedOurs);
+BENCHMARK(timedStandard);
+BENCHMARK(timedQt);
+BENCHMARK(semaphoreOurs);
+BENCHMARK(semaphorePosix);
+BENCHMARK(semaphoreQt);
+BENCHMARK(eventOurs);
+
+}  // namespace

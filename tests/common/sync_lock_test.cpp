@@ -1,0 +1,194 @@
+// The locks: who gets them and when. Only lower limits of time are exact.
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <chrono>
+#include <stdexcept>
+#include <thread>
+#include <vector>
+
+#include "UAutoSync.h"
+#include "UCriticalSection.h"
+#include "UMutex.h"
+#include "on_threads.h"
+#include "posix_calls.h"
+#include "record_log.h"
+
+namespace {
+
+using std::chrono::milliseconds;
+
+TEST(CriticalSection, IsTakenAgainByItsHolderOnly) {
+    UCriticalSection section;
+    section.Lock();
+    section.Lock();
+    EXPECT_TRUE(section.TryLock());
+    const auto tryElsewhere = [&] {
+        const bool taken = section.TryLock();
+        if (taken) section.Unlock();
+        return taken;
+    };
+    for (int held = 3; held > 0; --held) {
+        EXPECT_FALSE(onAnotherThread(tryElsewhere)) << held;
+        section.Unlock();
+    }
+    EXPECT_TRUE(onAnotherThread(tryElsewhere));
+}
+
+TEST(CriticalSection, ExcludesOtherThreads) {
+    UCriticalSection section;
+    int count = 0;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([&] {
+            for (int n = 0; n < 25000; ++n) {
+                const UAutoSync sync(section, 5, "name");
+                ++count;
+            }
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(count, 100000);
+}
+
+bool isFree(UCriticalSection& section) {
+    return onAnotherThread([&] {
+        const bool taken = section.TryLock();
+        if (taken) section.Unlock();
+        return taken;
+    });
+}
+
+TEST(AutoSync, HoldsTheSectionForItsScope) {
+    UCriticalSection section;
+    {
+        const UAutoSync sync(section, 0, nullptr);
+        EXPECT_FALSE(isFree(section));
+    }
+    EXPECT_TRUE(isFree(section));
+}
+
+TEST(AutoSync, LeavesTheSectionFreeWhenAnExceptionEndsItsScope) {
+    UCriticalSection section;
+    EXPECT_THROW(
+        {
+            const UAutoSync sync(section);
+            throw std::runtime_error("end of scope");
+        },
+        std::runtime_error);
+    EXPECT_TRUE(isFree(section));
+}
+
+TEST(Mutex, IsTakenAgainByItsHolderOnly) {
+    UMutex mutex;
+    EXPECT_EQ(mutex.Acquire(kWaitForever), kWaitAcquired);
+    EXPECT_EQ(mutex.Acquire(0), kWaitAcquired);
+    EXPECT_EQ(mutex.Acquire(50), kWaitAcquired);
+    for (int held = 3; held > 0; --held) {
+        EXPECT_EQ(onAnotherThread([&] { return mutex.Acquire(0); }), kWaitTimedOut) << held;
+        EXPECT_TRUE(mutex.Release());
+    }
+    EXPECT_EQ(onAnotherThread([&] {
+                  const unsigned int result = mutex.Acquire(0);
+                  mutex.Release();
+                  return result;
+              }),
+              kWaitAcquired);
+}
+
+TEST(Mutex, BelongsToAnInitialOwner) {
+    UMutex mutex(true);
+    EXPECT_EQ(onAnotherThread([&] { return mutex.Acquire(0); }), kWaitTimedOut);
+    EXPECT_TRUE(mutex.Release());
+}
+
+TEST(Mutex, ATryOnAHeldOneTakesOneRestOfSixteenMilliseconds) {
+    UMutex mutex(true);
+    resetPosixCalls();
+    const std::size_t restsTaken = onAnotherThread([&] {
+        EXPECT_EQ(mutex.Acquire(0), kWaitTimedOut);
+        EXPECT_EQ(rests().at(0).tv_sec, 0);
+        EXPECT_EQ(rests().at(0).tv_nsec, 16000000);
+        return rests().size();
+    });
+    EXPECT_EQ(restsTaken, 1u);
+    EXPECT_TRUE(mutex.Release());
+}
+
+TEST(Mutex, ALimitedWaitLooksEverySixteenMilliseconds) {
+    UMutex mutex(true);
+    resetPosixCalls();
+    milliseconds time{};
+    const std::size_t restsTaken = onAnotherThread([&] {
+        time = timeOf([&] { EXPECT_EQ(mutex.Acquire(50), kWaitTimedOut); });
+        return rests().size();
+    });
+    EXPECT_GE(time, milliseconds(49));
+    EXPECT_GE(restsTaken, 1u);
+    EXPECT_LE(restsTaken, 4u);
+    EXPECT_TRUE(mutex.Release());
+}
+
+TEST(Mutex, AnInterruptedRestIsTakenToItsEnd) {
+    UMutex mutex(true);
+    resetPosixCalls();
+    onAnotherThread([&] {
+        leaveOver({.tv_sec = 0, .tv_nsec = 5000000});
+        failPosixCall(PosixCall::nanosleep, EINTR);
+        EXPECT_EQ(mutex.Acquire(0), kWaitTimedOut);
+        EXPECT_EQ(rests().size(), 2u);
+        EXPECT_EQ(rests().back().tv_nsec, 5000000);
+        return 0;
+    });
+    EXPECT_TRUE(mutex.Release());
+}
+
+TEST(Mutex, IsTakenWhenItBecomesFreeWithinTheTime) {
+    UMutex mutex(true);
+    resetPosixCalls();
+    unsigned int result = 1;
+    std::thread waiting([&] {
+        result = mutex.Acquire(600000);
+        mutex.Release();
+    });
+    awaitCount(PosixCall::nanosleep, 1);
+    EXPECT_TRUE(mutex.Release());
+    waiting.join();
+    EXPECT_EQ(result, kWaitAcquired);
+}
+
+TEST(Mutex, AnyOtherFailureIsAFailure) {
+    const RecordLog log;
+    UMutex mutex;
+    failPosixCall(PosixCall::mutexTrylock, EINVAL);
+    EXPECT_EQ(mutex.Acquire(10), kWaitFailed);
+    failPosixCall(PosixCall::mutexLock, EAGAIN);
+    EXPECT_EQ(mutex.Acquire(kWaitForever), kWaitFailed);
+    EXPECT_TRUE(mutex.Release());
+    EXPECT_EQ(log.items().size(), 0u);
+}
+
+TEST(TimedLock, ADeadlineOfZeroIsASingleTry) {
+    pthread_mutex_t mutex = PTHREAD_MUTEX_INITIALIZER;
+    const timespec zero{};
+    resetPosixCalls();
+    EXPECT_EQ(xpthread_mutex_timedlock(&mutex, &zero), 0);
+    EXPECT_EQ(xpthread_mutex_timedlock(&mutex, &zero), ETIMEDOUT);
+    failPosixCall(PosixCall::mutexTrylock, EINVAL);
+    EXPECT_EQ(xpthread_mutex_timedlock(&mutex, &zero), EINVAL);
+    EXPECT_EQ(countOf(PosixCall::nanosleep), 0);
+    pthread_mutex_unlock(&mutex);
+}
+
+TEST(TimedLock, APastDeadlineStillTakesARest) {
+    pthread_mutex_t mutex = PTHREAD_MUTEX_INITIALIZER;
+    const timespec past{.tv_sec = 1, .tv_nsec = 0};
+    EXPECT_EQ(xpthread_mutex_timedlock(&mutex, &past), 0);
+    resetPosixCalls();
+    EXPECT_EQ(xpthread_mutex_timedlock(&mutex, &past), ETIMEDOUT);
+    EXPECT_EQ(countOf(PosixCall::nanosleep), 1);
+    pthread_mutex_unlock(&mutex);
+}
+
+}  // namespace
