@@ -175,7 +175,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Name{"CutByTheKernel", "sixteen_letters_", "sixteen_letters"}),
     nameOfRow);
 
-// --- sizes ---
+// Sizes.
 
 TEST_F(ProcessListing, TellsTheSizeWithRoomForAFewMore) {
     const std::size_t size = neededSize();
@@ -198,7 +198,7 @@ TEST_F(ProcessListing, FailsInABufferThatIsTooSmall) {
     }
 }
 
-// --- refusals ---
+// Refusals.
 
 TEST_F(ProcessListing, IsTheOnlyThingSupplied) {
     std::size_t size = 0;

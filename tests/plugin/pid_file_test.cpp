@@ -28,7 +28,7 @@ class PidFile : public testing::Test {
     ~PidFile() override { removeServiceFiles(); }
 };
 
-// --- the number ---
+// The number.
 
 struct Content {
     const char* rule;
@@ -56,7 +56,8 @@ INSTANTIATE_TEST_SUITE_P(
                     Content{"Hexadecimal", "0x10", 0}, Content{"Fraction", "4.2", 4},
                     Content{"EndsAtAZeroByte", std::string("4\0002", 3), 4},
                     Content{"LargestInt", "2147483647", INT_MAX},
-                    Content{"SmallestInt", "-2147483648", INT_MIN}),
+                    Content{"SmallestInt", "-2147483648", INT_MIN},
+                    Content{"SmallestButOne", "-2147483647", -INT_MAX}),
     nameOfRow);
 
 INSTANTIATE_TEST_SUITE_P(
@@ -90,7 +91,7 @@ INSTANTIATE_TEST_SUITE_P(AnyLengthIsRead, PidFileContent,
                                          Content{"ManyZeros", zeros(1 << 20) + "42", 42}),
                          nameOfRow);
 
-// --- files that cannot be opened ---
+// Files that cannot be opened.
 
 TEST_F(PidFile, ThatIsMissingGivesNothing) { EXPECT_EQ(readServicePid(), std::nullopt); }
 
@@ -105,7 +106,7 @@ TEST_F(PidFile, ThatMayNotBeReadGivesNothingExceptToRoot) {
     EXPECT_EQ(readServicePid(), sandboxUserIsRoot() ? std::optional(42) : std::nullopt);
 }
 
-// --- files that are none ---
+// Files that are none.
 
 TEST_F(PidFile, ThatIsAFolderHoldsNoNumber) {
     fs::create_directory(kPidFile);
@@ -126,7 +127,7 @@ TEST_F(PidFile, ThatIsAPipeIsNotWaitedFor) {
     EXPECT_EQ(readServicePid(), 42);
 }
 
-// --- every call ---
+// Every call.
 
 TEST_F(PidFile, IsReadAfreshEachTime) {
     writePidFile("1");
