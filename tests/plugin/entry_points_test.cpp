@@ -1,4 +1,5 @@
 #include <cstring>
+#include <utility>
 
 #include "plugin_test.h"
 
@@ -123,6 +124,19 @@ TEST_F(Instance, IsAnnouncedWindowlessWithCoreGraphicsAndCocoa) {
     EXPECT_EQ(object->referenceCount, 2U);
 }
 
+TEST_F(Instance, IsOutOfReachUntilItIsComplete) {
+    static void* recordAtCreation = nullptr;
+    browser.table.createobject = [](NPP handle, NPClass*) -> NPObject* {
+        recordAtCreation = handle->pdata;
+        return nullptr;
+    };
+    ASSERT_EQ(module->initialize(&browser.table), 0);
+    recordAtCreation = this;
+    Embedding page(plugin);
+    EXPECT_EQ(page.create(), 0);
+    EXPECT_EQ(recordAtCreation, nullptr);
+}
+
 TEST_F(Instance, LivesOnWhenTheBrowserRefusesItsModels) {
     browser.answer = 1;
     Embedding page(plugin);
@@ -177,6 +191,35 @@ TEST_F(Instance, DestroyReleasesTheObjectOnceAndClosesTheLog) {
                     "[destroyNotifyData] Done destroying notify data of type = 2\n",
                     "[destroyNotifyData] destroying notify data of type = 3\n",
                     "[destroyNotifyData] Done destroying notify data of type = 3\n", "<Close()>"));
+}
+
+TEST_F(Instance, DestroyReleasesTheObjectBeforeItTakesTheWindow) {
+    Embedding page(plugin);
+    ASSERT_EQ(page.create(), 0);
+    page.record().scriptableObject->referenceCount = 1;
+    log.clear();
+    EXPECT_EQ(page.destroy(), 0);
+    EXPECT_EQ(log.events().at(0), "[scriptableDeallocate]\n");
+    EXPECT_EQ(log.events().at(1), "[PluginInstance_shut]\n");
+}
+
+TEST_F(Instance, MayBeDestroyedWhileItIsDestroyed) {
+    static NPError (*destroy)(NPP, NPSavedData**) = nullptr;
+    static NPP handle = nullptr;
+    static NPError answer = -1;
+    browser.table.releaseobject = [](NPObject*) {
+        if (std::exchange(answer, 0) == -1) answer = destroy(handle, nullptr);
+    };
+    ASSERT_EQ(module->initialize(&browser.table), 0);
+    Embedding page(plugin);
+    ASSERT_EQ(page.create(), 0);
+    log.clear();
+    destroy = plugin.destroy;
+    handle = page.handle();
+    EXPECT_EQ(page.destroy(), 0);
+    EXPECT_EQ(answer, 0);
+    EXPECT_FALSE(page.isAlive());
+    EXPECT_EQ(log.linesStarting("[PluginInstance_shut]").size(), 1U);
 }
 
 TEST_F(Instance, MayBeDestroyedTwice) {
@@ -265,8 +308,18 @@ TEST_P(UnknownVariable, IsAnInvalidParameter) {
                                               std::to_string(GetParam()) + "' not implemented\n"));
 }
 
-INSTANTIATE_TEST_SUITE_P(Variables, UnknownVariable, testing::Values(0, 3, 14, 16, 18, 1000, 1001),
-                         testing::PrintToStringParamName());
+INSTANTIATE_TEST_SUITE_P(Variables, UnknownVariable,
+                         testing::Values(-1, 0, 3, 14, 16, 18, 1000, 1001, 1003, 71879),
+                         [](const auto& row) { return "Variable" + std::to_string(row.index); });
+
+TEST_F(Instance, AnswersNothingWithoutAPlaceForTheAnswer) {
+    Embedding page(plugin);
+    ASSERT_EQ(page.create(), 0);
+    for (const auto variable :
+         {NPPVpluginNameString, NPPVpluginDescriptionString, NPPVpluginScriptableNPObject})
+        EXPECT_EQ(plugin.getvalue(page.handle(), variable, nullptr), 9);
+    EXPECT_EQ(page.record().scriptableObject->referenceCount, 2U);
+}
 
 TEST_F(Instance, TakesEveryValueAndChangesNothing) {
     Embedding page(plugin);
@@ -307,9 +360,12 @@ TEST_F(Instance, IsInitializedByItsFirstRealWindowOnly) {
     Embedding page(plugin);
     ASSERT_EQ(page.create(), 0);
     EXPECT_FALSE(page.record().initialized);
+    log.clear();
 
     NPWindow none{};
     EXPECT_EQ(plugin.setwindow(page.handle(), &none), 0);
+    EXPECT_THAT(log.events(), ElementsAre("[PluginInstance_isInitialized]\n",
+                                          "[PluginInstance_isInitialized] Initialized=0\n"));
     EXPECT_FALSE(page.record().initialized);
     EXPECT_EQ(page.record().window, &none);
     EXPECT_THAT(log.linesStarting("[PluginInstance_init]"), IsEmpty());

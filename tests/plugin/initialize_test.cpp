@@ -1,5 +1,7 @@
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
+#include <fstream>
 
 #include "browser_table.h"
 #include "elf_symbols.h"
@@ -161,6 +163,34 @@ TEST_F(Initialize, TakesTheLogFolderFromHomeWhateverItSays) {
     EXPECT_EQ(module->initialize(&browser.table), 0);
     setenv("HOME", home.c_str(), 1);
     EXPECT_EQ(log.events().at(1), "<Open(/nowhere/Library/Logs/Zerva/nevo_plugin.log, a)>");
+}
+
+TEST_F(Initialize, TakesTheLogFolderFromHomeEvenIfItIsEmpty) {
+    const std::string home = std::getenv("HOME");
+    setenv("HOME", "", 1);
+    EXPECT_EQ(module->initialize(&browser.table), 0);
+    setenv("HOME", home.c_str(), 1);
+    EXPECT_EQ(log.events().at(1), "<Open(/Library/Logs/Zerva/nevo_plugin.log, a)>");
+}
+
+TEST_F(Initialize, TakesTheLevelThatTheSettingsGiveToThePlugin) {
+    const std::filesystem::path folder = std::string(std::getenv("HOME")) + "/Library/Zerva";
+    std::filesystem::create_directories(folder);
+    std::ofstream(folder / "zerva.conf") << "default_log_level=5\nnevo_plugin_log_level=10\n";
+    EXPECT_EQ(module->initialize(&browser.table), 0);
+    std::filesystem::remove(folder / "zerva.conf");
+    EXPECT_EQ(log.events().at(2), "<SetLogLevel(10)>");
+}
+
+TEST_F(Initialize, ATableOfAnOlderBrowserLeavesTheNewerEntriesAsTheyAre) {
+    ASSERT_EQ(module->initialize(&browser.table), 0);
+    const auto geturlnotify = browser.table.geturlnotify;
+    fillWithSentinels(browser.table);
+    browser.table.version = 8;
+    ASSERT_EQ(module->initialize(&browser.table), 0);
+    EXPECT_EQ(kept().geturlnotify, geturlnotify);
+    EXPECT_EQ(kept().geturl, browser.table.geturl);
+    EXPECT_EQ(kept().version, 8);
 }
 
 TEST_F(Initialize, WritesNothingWithoutALogObject) {
