@@ -42,6 +42,9 @@ class AutoMemory : public UObject {
     /// Makes the block longer by `extra` bytes, which are not set, or zero where there was no
     /// block; an `extra` of 0 or less changes nothing. @return the block, which may have moved.
     unsigned char* expand(int extra);
+    /// Gives up the bytes behind the first `size`; a block that is no longer stays as it is.
+    /// Cannot fail. @return the block, which may have moved; null for a size of 0.
+    unsigned char* truncate(unsigned int size);
 
     /// Writes all bytes to the file `path`, created or cut to nothing first. Whether they arrived
     /// is not looked at. @return 0, also without a block, when the file is left alone; -1 when it

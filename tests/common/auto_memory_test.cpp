@@ -198,6 +198,16 @@ TEST(AutoMemory, ExpandOfNoBlockGivesZeroBytes) {
     expectEmpty(none);
 }
 
+TEST(AutoMemory, TruncateKeepsTheFirstBytes) {
+    AutoMemory memory = memoryOf("abcdef");
+    expectGives([&] { return memory.truncate(2); }, memory);
+    EXPECT_EQ(bytesOf(memory), "ab");
+    expectGives([&] { return memory.truncate(5); }, memory);
+    EXPECT_EQ(bytesOf(memory), "ab");
+    expectGives([&] { return memory.truncate(0); }, memory);
+    expectEmpty(memory);
+}
+
 TEST(AutoMemory, ExpandByNothingChangesNothing) {
     AutoMemory memory = memoryOf("abcdef");
     unsigned char* const block = memory;

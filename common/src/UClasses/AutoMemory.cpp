@@ -64,6 +64,17 @@ unsigned char* AutoMemory::expand(int extra) {
     return m_buffer;
 }
 
+unsigned char* AutoMemory::truncate(unsigned int size) {
+    if (size == 0) Release();
+    if (size >= m_size) return m_buffer;
+    // A block that cannot be moved to a smaller one is large enough where it is.
+    if (void* const block = std::realloc(m_buffer, size)) {
+        m_buffer = static_cast<unsigned char*>(block);
+    }
+    m_size = size;
+    return m_buffer;
+}
+
 int AutoMemory::SaveToFile(const char* path) const {
     if (m_buffer == nullptr) return 0;
     FILE* const file = path == nullptr ? nullptr : fopen(path, "wb");

@@ -1,0 +1,81 @@
+#pragma once
+
+#include "UList.h"
+
+/// A text of a `UStrings`.
+class UStringsItem : public UObject {
+  public:
+    /// A copy of `text`; no text for null or "".
+    explicit UStringsItem(const char* text);
+    /// A copy of `length` bytes; no text for null or no bytes.
+    UStringsItem(const char* text, unsigned int length);
+    ~UStringsItem() override { delete[] m_text; }
+    UStringsItem(const UStringsItem&) = delete;
+    UStringsItem& operator=(const UStringsItem&) = delete;
+
+    /// @return the text, which the item owns; "" when there is none.
+    operator const char*() const { return m_text != nullptr ? m_text : ""; }
+
+    /// Removes trailing, then leading blanks; no other white space.
+    void trim();
+
+  private:
+    char* m_text = nullptr;
+};
+
+/// A list of texts that can be split from one text and joined to one.
+///
+/// It owns its items; texts it gives out are good until their item goes. A failure is logged.
+/// Threads are as with `UList`: adding and removing are locked, reading is not.
+class UStrings : public UObject {
+  public:
+    /// Flags of `fromString`.
+    static constexpr unsigned int kKeepDelimiters = 1;  ///< each one is an item, too
+    static constexpr unsigned int kTrimItems = 2;       ///< of blanks
+
+    UStrings() = default;
+    /// As `Create`.
+    UStrings(const char* text, char delimiter, unsigned int flags);
+    ~UStrings() override;
+    UStrings(const UStrings&) = delete;
+    UStrings& operator=(const UStrings&) = delete;
+
+    /// Stores the delimiter for `toString` and splits `text`.
+    void Create(const char* text, char delimiter, unsigned int flags);
+
+    /// Replaces all items by the pieces of `text` between delimiters, without the empty ones; a
+    /// piece of blanks alone becomes an empty item when trimmed. `text` must not be an item's own.
+    void fromString(const char* text, char delimiter, unsigned int flags);
+
+    /// @return all items, with the stored delimiter between them.
+    CString toString() const;
+
+    /// Appends a copy of `text`, or of `length` bytes. @return 0, or -1.
+    int addItem(const char* text);
+    int addItem(const char* text, unsigned int length);
+
+    /// Removes and deletes an item. @return as `UList::removeObject`.
+    int removeItem(int index) { return m_items.deleteObject(index); }
+
+    /// @return the text of an item, or null when there is no such item.
+    const char* getItem(int index) const;
+
+    /// @return the number of items.
+    int getCount() const { return m_items.getCount(); }
+
+    /// Deletes all items.
+    void clear() { m_items.deleteObjects(); }
+
+    /// @return the index of the first item that `text` begins with, or -1. An empty item is the
+    /// beginning of every text.
+    int find(const char* text) const;
+
+    void lock() { m_items.lock(); }
+    void unlock() { m_items.unlock(); }
+
+  private:
+    void addPiece(const char* text, std::size_t length, unsigned int flags);
+
+    UList m_items;
+    char m_delimiter = '\0';
+};
