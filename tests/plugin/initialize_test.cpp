@@ -4,7 +4,6 @@
 #include <fstream>
 
 #include "browser_table.h"
-#include "elf_symbols.h"
 #include "plugin_test.h"
 
 namespace {
@@ -223,8 +222,8 @@ TEST_F(Initialize, EntryPointsMayBeAskedForFirst) {
     EXPECT_EQ(page.create(), 0);
 }
 
-TEST(PluginModuleFile, ExportsExactlyItsThreeFunctions) {
-    EXPECT_THAT(ElfSymbols(ZERVA_PLUGIN_MODULE).exported(),
+TEST_F(Initialize, IsOneOfExactlyThreeExportedFunctions) {
+    EXPECT_THAT(module->exported(),
                 ElementsAre("NP_GetEntryPoints", "NP_Initialize", "NP_Shutdown"));
 }
 

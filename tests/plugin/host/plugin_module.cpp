@@ -27,6 +27,8 @@ class SharedObject final : public PluginModule {
         return reinterpret_cast<void*>(object->l_addr + m_symbols.offsetOf(name));
     }
 
+    std::vector<std::string> exported() const override { return m_symbols.exported(); }
+
   private:
     template <typename Function>
     void bind(Function& function, const char* name) {

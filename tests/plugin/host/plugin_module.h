@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "IUErrorLog.h"
 #include "npapi/npfunctions.h"
@@ -18,6 +19,10 @@ class PluginModule {
 
     /// @return the address of the module's variable `name`; throws when there is none.
     virtual void* variable(const std::string& name) const = 0;
+
+    /// The names that the module's file offers to whoever loads it, sorted; none for one without
+    /// a file of its own.
+    virtual std::vector<std::string> exported() const { return {}; }
 
     UErrorLogPointer& errorLog() const {
         return *static_cast<UErrorLogPointer*>(variable("errorLog"));

@@ -1,0 +1,14 @@
+# The bundle as a folder and an archive: the same for every processor.
+
+zerva_bundle_test(
+  check_bundle "${sandbox}" -- python3 -B
+  "${CMAKE_CURRENT_SOURCE_DIR}/bundle/check_bundle_test.py" "${bundle}"
+  "${PROJECT_SOURCE_DIR}/scripts/check-bundle")
+zerva_bundle_test(bundle_is_reproducible "${CMAKE_CURRENT_SOURCE_DIR}/bundle/reproducible_test.sh"
+                  "${PROJECT_SOURCE_DIR}" "${CMAKE_CURRENT_BINARY_DIR}")
+set_tests_properties(macho.bundle_is_reproducible PROPERTIES TIMEOUT 600)
+
+set(archive "${PROJECT_SOURCE_DIR}/build/bundle/zerva-ssl-vpn-plugin-1.0.0.tar.gz")
+set(install_test python3 -B "${CMAKE_CURRENT_SOURCE_DIR}/packaging/install_test.py" "${archive}")
+zerva_bundle_test(installs_for_all_users "${sandbox}" -- ${install_test})
+zerva_bundle_test(installs_for_one_user "${sandbox}" --user -- ${install_test})
