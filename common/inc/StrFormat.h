@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <charconv>
 #include <string_view>
 
@@ -30,7 +31,7 @@ class StrFormat {
     StrFormat(const wchar_t* text);
     StrFormat(const CString& text);
     /// Takes the other's template over, but not whether values are appended.
-    StrFormat(const StrFormat& other) : m_template(other.m_template) {}
+    StrFormat(const StrFormat& other);
     /// As above; nothing happens when both give the same text.
     StrFormat& operator=(const StrFormat& other);
     ~StrFormat() = default;
@@ -47,7 +48,8 @@ class StrFormat {
     /// Fills the next placeholder with `createString(value)`.
     template <typename T>
     StrFormat& arg(const T& value) {
-        return Fill(ArgText(value).View());
+        const ArgText text(value);
+        return text.IsDigits() ? Fill(text.View()) : EscapeAndFill(text.View());
     }
     /// Fills the next placeholder with `toHex(value)`.
     StrFormat& argHex(unsigned long long value) { return ReplaceArgEscapes(toHex(value)); }
@@ -56,7 +58,8 @@ class StrFormat {
     StrFormat& ReplaceArgEscapes(const CString& value);
     /// @return what the next value fills.
     Placeholder FindArgEscapes() const;
-    /// Puts `value`, in which percent signs are doubled already, in every place of `digit`.
+    /// Puts `value`, in which percent signs are doubled already, in every place of `digit`. A text
+    /// that has been read stays as it was read until the next `arg`.
     void ReplacePositionalArgs(int digit, const CString& value);
 
   private:
@@ -75,6 +78,7 @@ class StrFormat {
         ArgText& operator=(const ArgText&) = delete;
 
         std::string_view View() const { return m_view; }
+        bool IsDigits() const { return m_view.data() == m_digits; }
 
       private:
         template <typename Number>
@@ -91,14 +95,27 @@ class StrFormat {
         return {text, static_cast<std::size_t>(text.GetLength())};
     }
 
+    // Where one placeholder stands, so that filling does not search the template again.
+    struct Places {
+        int count = 0;
+        int first = 0;
+    };
+
+    StrFormat& EscapeAndFill(std::string_view value);
     StrFormat& Fill(std::string_view value);
-    char* Resize(std::size_t length);
-    void ReplaceOnly(std::size_t at, std::string_view value);
+    void KeepTextRead();
+    void FindPlaces();
+    char* MakeRoom(std::size_t length);
+    void ReplaceOnly(int digit, std::string_view value);
     void ReplaceAll(int digit, std::string_view value);
 
     CString m_template;
     mutable CString m_rendered;
     bool m_appendIfNoPlaceholder = false;
+    // Whether the template holds "%%". Without, it is its own finished text.
+    bool m_hasEscapes = false;
+    mutable bool m_templateRead = false;
+    std::array<Places, 10> m_places;
 };
 
 /// A template filled with `values` in order; those for which it has no place are appended.

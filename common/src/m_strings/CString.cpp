@@ -119,9 +119,11 @@ void CString::ConcatInPlace(std::size_t length, const char* text) {
     if (length == 0) return;
     CStringData* const old = GetData();
     const std::size_t oldLength = static_cast<std::size_t>(old->dataLength);
-    if (RefCount(old) < 2 && oldLength + length <= static_cast<std::size_t>(old->allocLength)) {
+    const std::size_t newLength = oldLength + length;
+    if (newLength <= static_cast<std::size_t>(old->allocLength) && RefCount(old) < 2) {
         memcpy(m_pchData + oldLength, text, length);
-        SetLength(oldLength + length);
+        m_pchData[newLength] = '\0';
+        old->dataLength = static_cast<int>(newLength);
         return;
     }
     ConcatCopy(oldLength, old->data(), length, text);

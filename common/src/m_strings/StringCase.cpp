@@ -8,29 +8,35 @@
 namespace {
 
 constexpr std::uint64_t kEveryByte = 0x0101010101010101U;
+constexpr std::uint64_t kCaseBit = 'a' - 'A';
 // Texts are measured this far ahead of the comparison, so that an early difference stays cheap.
-constexpr std::size_t kStretch = 64;
+constexpr std::size_t kStretch = 256;
 
 int folded(char ch) {
     const unsigned char byte = static_cast<unsigned char>(ch);
     return byte >= 'A' && byte <= 'Z' ? byte + 32 : byte;
 }
 
-std::uint64_t eightFolded(const char* text) {
-    std::uint64_t bytes;
-    memcpy(&bytes, text, sizeof bytes);
+// Whether eight bytes at `a` and at `b` are the same but for the case of ASCII letters.
+bool sameEight(const char* a, const char* b) {
+    std::uint64_t left;
+    std::uint64_t right;
+    memcpy(&left, a, sizeof left);
+    memcpy(&right, b, sizeof right);
+    const std::uint64_t difference = left ^ right;
+    if ((difference & ~(kEveryByte * kCaseBit)) != 0) return false;
     // The top bit of each byte tells, without a carry into its neighbour, whether the low seven
-    // bits are at least 'A' and whether they are beyond 'Z'.
-    const std::uint64_t low = bytes & (kEveryByte * 0x7F);
-    const std::uint64_t fromA = low + kEveryByte * (0x80 - 'A');
-    const std::uint64_t beyondZ = low + kEveryByte * (0x80 - 'Z' - 1);
-    const std::uint64_t isLetter = fromA & ~beyondZ & ~bytes & (kEveryByte * 0x80);
-    return bytes + (isLetter >> 2);
+    // bits of the lower-case byte are at least 'a' and whether they are beyond 'z'.
+    const std::uint64_t low = (left | kEveryByte * kCaseBit) & (kEveryByte * 0x7F);
+    const std::uint64_t fromA = low + kEveryByte * (0x80 - 'a');
+    const std::uint64_t beyondZ = low + kEveryByte * (0x80 - 'z' - 1);
+    const std::uint64_t isLetter = fromA & ~beyondZ & ~left;
+    return ((difference << 2) & ~isLetter) == 0;
 }
 
 std::size_t sameFolded(const char* a, const char* b, std::size_t length) {
     std::size_t at = 0;
-    while (at + 8 <= length && eightFolded(a + at) == eightFolded(b + at)) at += 8;
+    while (at + 8 <= length && sameEight(a + at, b + at)) at += 8;
     while (at < length && folded(a[at]) == folded(b[at])) ++at;
     return at;
 }
