@@ -23,7 +23,7 @@ class Decision : public PluginTest {
     std::vector<std::string> requested() const { return summary(browser.requests); }
 };
 
-// --- which action ---
+// Which action.
 
 enum class Action { kNothing, kSilence, kProbe, kLaunch };
 
@@ -75,7 +75,7 @@ INSTANTIATE_TEST_SUITE_P(Flags, DecisionTable,
                                     (row.param.last ? "1" : "0");
                          });
 
-// --- the probe ---
+// The probe.
 
 TEST_F(Decision, AProbeAsksTheServiceForItsState) {
     Embedding page(plugin);
@@ -111,7 +111,7 @@ TEST_P(RefusedProbe, IsLoggedAndLeavesTheInstanceAlive) {
 INSTANTIATE_TEST_SUITE_P(Errors, RefusedProbe, testing::Range(1, 16),
                          testing::PrintToStringParamName());
 
-// --- the launch ---
+// The launch.
 
 TEST_F(Decision, AStartedServiceIsAskedToConnect) {
     installService("exit=0");
@@ -173,7 +173,7 @@ TEST_F(Decision, AnyOtherLaunchOutcomeFailsTheInstance) {
     EXPECT_EQ(browser.count("setvalue"), 0);
 }
 
-// --- refused launches ---
+// Refused launches.
 
 struct Outcome {
     const char* name;
@@ -228,7 +228,7 @@ TEST_F(Decision, AStartedServiceIsOursEvenWhenTheBrowserRefuses) {
     EXPECT_EQ(lines.back(), "[NS_LaunchVpn] Call finished'\n");
 }
 
-// --- browsers without notification ---
+// Browsers without notification.
 
 class OldBrowser : public UninitializedPluginTest {
   protected:
@@ -265,7 +265,7 @@ TEST_F(OldBrowser, EveryLaunchOutcomeIsRefused) {
     EXPECT_THAT(browser.requests, IsEmpty());
 }
 
-// --- what the service gets ---
+// What the service gets.
 
 TEST_F(Decision, TheServiceReadsThePagesParametersToTheLastByte) {
     installService("input exit=0");
@@ -284,7 +284,7 @@ TEST_F(Decision, TheServiceReadsAMegabyteToTheLastByte) {
                 "long=" + longValue + "&browser_pid=" + std::to_string(getpid()) + "&");
 }
 
-// --- what happens to the service when the page goes ---
+// What happens to the service when the page goes.
 
 TEST_F(Decision, AServiceThatThisInstanceStartedIsStoppedWithIt) {
     installService("background exit=0");

@@ -8,7 +8,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-// --- NP_GetEntryPoints ---
+// NP_GetEntryPoints.
 
 using EntryPoints = UninitializedPluginTest;
 
@@ -50,7 +50,7 @@ TEST_F(EntryPoints, LeaveJavaAndAllNewerEntriesAsTheBrowserGaveThem) {
               0);
 }
 
-// --- handles without an instance ---
+// Handles without an instance.
 
 struct Answers {
     NPError destroy;
@@ -103,7 +103,7 @@ TEST_F(NoInstance, NewNeedsAHandle) {
     EXPECT_THAT(log.events(), IsEmpty());
 }
 
-// --- NPP_New and NPP_Destroy ---
+// NPP_New and NPP_Destroy.
 
 using Instance = PluginTest;
 
@@ -263,7 +263,7 @@ TEST_F(Instance, TenThousandLeaveNothingBehind) {
     EXPECT_EQ(browser.liveMemory(), 0U);
 }
 
-// --- values ---
+// Values.
 
 TEST_F(Instance, AnswersItsName) {
     Embedding page(plugin);
@@ -347,7 +347,7 @@ TEST_F(Instance, HandlesNoEventAndPrintsNothing) {
     EXPECT_THAT(log.events(), IsEmpty());
 }
 
-// --- windows ---
+// Windows.
 
 TEST_F(Instance, NeedsAWindowRecord) {
     Embedding page(plugin);

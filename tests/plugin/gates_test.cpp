@@ -179,7 +179,7 @@ INSTANTIATE_TEST_SUITE_P(Versions, VersionNumbers,
                          testing::Values(Versions{0, 0, 0}, Versions{26, 0, 26},
                                          Versions{0x0109, 1, 9}, Versions{0xFFFE, 255, 254}));
 
-// --- the hooks for hosts that build the plug-in in ---
+// The hooks for hosts that build the plug-in in.
 
 TEST_F(Wrappers, TheInitializeHookOpensTheLog) {
     EXPECT_EQ(NS_PluginInitialize(), 0);

@@ -123,7 +123,7 @@ TEST_F(Parameters, TheInstallMethodIsOnlyLogged) {
     EXPECT_TRUE(logged("[NS_NewPluginInstance] _installmethod='manual'\n"));
 }
 
-// --- which rule a name falls under ---
+// Which rule a name falls under.
 
 // What one parameter, named as given, with the value "V", does.
 enum class Effect {
@@ -203,7 +203,7 @@ INSTANTIATE_TEST_SUITE_P(
         return name;
     });
 
-// --- odd lists ---
+// Odd lists.
 
 class ArgumentCount : public Parameters, public testing::WithParamInterface<int16> {};
 

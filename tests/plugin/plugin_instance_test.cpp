@@ -35,7 +35,7 @@ class InstanceFunctions : public PluginTest {
     NPWindow window{};
 };
 
-// --- creation and destruction ---
+// Creation and destruction.
 
 TEST_F(InstanceFunctions, CreationNeedsItsData) {
     EXPECT_EQ(NS_NewPluginInstance(nullptr), nullptr);
@@ -91,7 +91,7 @@ TEST_F(InstanceFunctions, PasswordAndMethodAreNotKeptForTheProcess) {
     NS_DestroyPluginInstance(record);
 }
 
-// --- notify records ---
+// Notify records.
 
 TEST_F(InstanceFunctions, CreationInitialisesTheNotifyRecordsAgain) {
     FILE* file = std::fopen("/dev/null", "r");
@@ -136,7 +136,7 @@ TEST_F(InstanceFunctions, DestructionEmptiesTheNotifyRecordsAndKeepsTheirTypes) 
     }
 }
 
-// --- windows ---
+// Windows.
 
 TEST_F(InstanceFunctions, InitNotesTheWindow) {
     nsPluginInstance record{};

@@ -138,7 +138,7 @@ TEST_F(Scriptable, ANameThatCannotBeConvertedIsNotInfo) {
     EXPECT_EQ(read("info"), "false");
 }
 
-// --- reading `info` ---
+// Reading `info`.
 
 TEST_F(Scriptable, InfoIsTheBodyOfTheServicesAnswer) {
     ScriptedService service({.requestSize = 93, .segments = {"HTTP/1.1 200 OK\r\n\r\nstate=up"}});

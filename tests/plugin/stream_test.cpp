@@ -49,7 +49,7 @@ class Stream : public PluginTest {
     uint16 mode = 0;
 };
 
-// --- NewStream ---
+// NewStream.
 
 class StreamOfType : public Stream, public testing::WithParamInterface<int> {
   protected:
@@ -95,7 +95,7 @@ TEST_P(StreamOfType, EndsWithoutSendingAnything) {
 INSTANTIATE_TEST_SUITE_P(Types, StreamOfType, testing::Values(1, 2, 3, 0, 4, 77),
                          testing::PrintToStringParamName());
 
-// --- without a notify record ---
+// Without a notify record.
 
 TEST_F(Stream, WithoutANotifyRecordIsAcceptedAndIgnored) {
     stream.notifyData = nullptr;
@@ -125,7 +125,7 @@ TEST_F(Stream, EndsWithoutANotifyRecordWithItsTraceAlone) {
                                           ", url='http://here/', reason=0 \n"));
 }
 
-// --- WriteReady ---
+// WriteReady.
 
 TEST_F(Stream, TakesBlocksOf64000Bytes) {
     setType(3);
@@ -137,7 +137,7 @@ TEST_F(Stream, TakesBlocksOf64000Bytes) {
     EXPECT_THAT(log.events(), ElementsAre(line, line));
 }
 
-// --- Write ---
+// Write.
 
 TEST_F(Stream, AppendsBlocksInTheOrderOfArrivalWhateverTheirOffset) {
     setType(3);
@@ -189,7 +189,7 @@ TEST_F(Stream, AnAnnouncedLengthIsOnlyAHint) {
     }
 }
 
-// --- DestroyStream ---
+// DestroyStream.
 
 TEST_F(Stream, ANetworkErrorIsGivenBackAsTheError) {
     setType(3);
@@ -208,7 +208,7 @@ TEST_F(Stream, ABreakByTheUserIsNoError) {
                                           "[PluginInstance_DestroyStream] notify type=2 \n"));
 }
 
-// --- URLs and types that are missing ---
+// URLs and types that are missing.
 
 TEST_F(Stream, AMissingUrlOrTypeDoesNoHarm) {
     setType(3);

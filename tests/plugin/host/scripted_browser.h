@@ -34,7 +34,7 @@ class ScriptedBrowser {
     /// The whole table, every entry set, version 0.26; a test changes it before handing it over.
     NPNetscapeFuncs table{};
 
-    // --- what the browser answers ---
+    // What the browser answers.
 
     const char* userAgent = "Scripted/1.0";
     /// The answer to the n-th URL request, counted from 1; 0 accepts.
@@ -46,7 +46,7 @@ class ScriptedBrowser {
     bool hasMemory = true;       ///< false: memalloc answers null
     bool convertsIdentifiers = true;  ///< false: utf8fromidentifier answers null
 
-    // --- what the plug-in did ---
+    // What the plug-in did.
 
     /// Every call in order, as "entry(argument, ...)"; pointers in hexadecimal, texts quoted.
     std::vector<std::string> calls;
@@ -66,7 +66,7 @@ class ScriptedBrowser {
     /// Drops all references to the script objects, as a browser does when the page is gone.
     void dropObjects();
 
-    // --- the inside, for the table's functions ---
+    // The inside, for the table's functions.
 
     static ScriptedBrowser& current();
     template <typename... Arguments>

@@ -13,7 +13,7 @@
 
 namespace fs = std::filesystem;
 
-ChildProcess::ChildProcess(const std::string& name) {
+ChildProcess::ChildProcess(const std::string& name, Group group) {
     // A process's short name is the name of the file that it was started from.
     const fs::path program = fs::path("/tmp/children") / name;
     fs::create_directories(program.parent_path());
@@ -23,6 +23,7 @@ ChildProcess::ChildProcess(const std::string& name) {
     if (pipe(ready) != 0) throw std::runtime_error("no pipe");
     m_pid = fork();
     if (m_pid == 0) {
+        if (group == Group::kItsOwn) setpgid(0, 0);
         dup2(ready[1], STDOUT_FILENO);
         close(ready[0]);
         close(ready[1]);

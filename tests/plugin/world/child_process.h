@@ -8,8 +8,10 @@
 /// latest when the object goes.
 class ChildProcess {
   public:
-    /// Starts it; it runs under its name when the constructor returns.
-    explicit ChildProcess(const std::string& name);
+    enum class Group { kOurs, kItsOwn };
+
+    /// Starts it; it runs under its name, in its process group, when the constructor returns.
+    explicit ChildProcess(const std::string& name, Group group = Group::kOurs);
     ChildProcess(const ChildProcess&) = delete;
     ChildProcess& operator=(const ChildProcess&) = delete;
     ~ChildProcess();

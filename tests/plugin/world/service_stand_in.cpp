@@ -43,10 +43,23 @@ std::string describe(int fd) {
     return std::to_string(fd) + " " + target + " " + kModes[fcntl(fd, F_GETFL) & O_ACCMODE];
 }
 
+// The signals that are blocked, as the system shows them.
+std::string blockedSignals() {
+    std::ifstream status("/proc/self/status");
+    for (std::string word; status >> word;) {
+        if (word == "SigBlk:") {
+            status >> word;
+            return word;
+        }
+    }
+    return "";
+}
+
 void note(int argc, char** argv) {
     std::ostringstream text;
     text << "pid " << getpid() << "\nparent " << getppid() << "\n";
     for (int i = 0; i < argc; ++i) text << "argument " << argv[i] << "\n";
+    text << "blocked " << blockedSignals() << "\n";
     text << "environment " << environment("ZERVA_INHERITED") << "\n";
     for (int fd = 0; fd < 256; ++fd) {
         if (fcntl(fd, F_GETFD) != -1) text << "descriptor " << describe(fd) << "\n";
