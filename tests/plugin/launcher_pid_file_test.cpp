@@ -91,7 +91,8 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST_F(Launcher, ANumberAfterALongRunOfBlanksIsRead) {
     installService("exit=0");
-    writePidFile(std::string(10000, ' ') + "1");
+    std::string text(10000, ' ');
+    writePidFile(text.append("1"));
     start();
     EXPECT_THAT(log.linesStarting("[LaunchVPN] nevo.pid"), ElementsAre(notOwner(1)));
 }
