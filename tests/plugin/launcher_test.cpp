@@ -61,6 +61,7 @@ INSTANTIATE_TEST_SUITE_P(Signals, ProgramSignal,
 
 TEST_F(Launcher, WaitsForAProgramThatHasOnlyStopped) {
     installService("stop");
+    const ChildProcess bystander("bystander");  // there is always a child to wait for
     std::thread ender([] {
         siginfo_t info = {};
         waitid(P_ALL, 0, &info, WSTOPPED | WNOWAIT);

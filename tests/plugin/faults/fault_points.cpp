@@ -21,7 +21,7 @@ struct CallFault {
     int seen = 0;
 };
 
-CallFault* armedCall = nullptr;
+thread_local CallFault* armedCall = nullptr;
 
 // Answers whether this call must not be made.
 bool isDue(const char* call) {
@@ -47,7 +47,7 @@ struct MemoryFault {
     int live = 0;
 };
 
-MemoryFault armedMemory;
+thread_local MemoryFault armedMemory;
 
 bool isAllocationDue() { return armedMemory.armed && ++armedMemory.seen == armedMemory.nth; }
 

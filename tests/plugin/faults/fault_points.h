@@ -7,8 +7,8 @@
 // Faults in the C library's calls, for programs that link the plug-in's object files: the linker
 // sends each call named in kFaultPoints through here. Nothing fails unless a test says so.
 
-/// Makes calls fail while it lives. One at a time; calls of all threads count, and a forked copy
-/// inherits it.
+/// Makes calls of the thread that made it fail while it lives. One at a time; a forked copy of the
+/// process inherits it.
 class Fault {
   public:
     /// The `nth` call of `call`, counted from 1, answers `result` and sets errno to `error`
@@ -26,7 +26,7 @@ class Fault {
     int calls() const;
 };
 
-/// Makes the n-th allocation of the code under test fail, whatever function makes it, and counts.
+/// Makes the n-th allocation of this thread fail, whatever function makes it, and counts them.
 class AllocationFault {
   public:
     /// `nth` counts from 1; 0 fails none and only counts.
