@@ -147,7 +147,7 @@ char* StrFormat::MakeRoom(std::size_t length) {
 
 // Fills the one place of `digit`.
 void StrFormat::ReplaceOnly(int digit, std::string_view value) {
-    const Places filled = std::exchange(m_places[static_cast<std::size_t>(digit)], {});
+    const Places filled = m_places[static_cast<std::size_t>(digit)];
     const std::size_t at = static_cast<std::size_t>(filled.first);
     const std::size_t length = static_cast<std::size_t>(m_template.GetLength());
     const std::size_t newLength = length - 2 + value.length();
@@ -156,6 +156,7 @@ void StrFormat::ReplaceOnly(int digit, std::string_view value) {
     memcpy(place, value.data(), value.length());
     m_template.ReleaseBuffer(static_cast<int>(newLength));
 
+    m_places[static_cast<std::size_t>(digit)] = {};
     const int shift = static_cast<int>(value.length()) - 2;
     for (Places& places : m_places) {
         if (places.first > filled.first) places.first += shift;

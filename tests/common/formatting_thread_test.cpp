@@ -1,0 +1,74 @@
+// Formatting, exceptions and debug output from several threads at once: meant for the thread
+// sanitizer.
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "AfxDebug.h"
+#include "IUErrorLog.h"
+#include "UGuarded.h"
+#include "URaise.h"
+
+namespace {
+
+constexpr int kThreads = 8;
+constexpr int kRounds = 2000;
+
+// Counts what is written, from any thread.
+class CountingLog final : public IUErrorLog {
+  public:
+    CountingLog() { errorLog = this; }
+    ~CountingLog() override { errorLog = nullptr; }
+    int WriteLogItem(const char* /*text*/) override { return ++m_count; }
+    int Open(const char* /*name*/, const char* /*mode*/) override { return 0; }
+    int Close() override { return 0; }
+    int WriteLogByte(unsigned char* /*data*/, unsigned int /*length*/) override { return -1; }
+    int WriteLogByte(const char* /*text*/, unsigned char* /*data*/,
+                     unsigned int /*length*/) override {
+        return -1;
+    }
+    const char* GetLogName() override { return nullptr; }
+    using IUErrorLog::WriteLog;
+
+    int count() const { return m_count; }
+
+  private:
+    std::atomic<int> m_count{0};
+};
+
+template <typename Work>
+void onAllThreads(Work work) {
+    std::vector<std::thread> threads;
+    for (int i = 0; i < kThreads; ++i) threads.emplace_back(work, i);
+    for (std::thread& thread : threads) thread.join();
+}
+
+TEST(FormattingThreads, RaiseAndCatchAtOnceAndLoseNoRecord) {
+    const CountingLog log;
+    onAllThreads([](int thread) {
+        for (int i = 0; i < kRounds; ++i) {
+            EXPECT_EQ(UGuarded("work() - EXCEPTION",
+                               [thread, i] { URaise("work()", "failed", thread, i); }),
+                      -1);
+        }
+    });
+    EXPECT_EQ(log.count(), 2 * kThreads * kRounds);
+}
+
+TEST(FormattingThreads, TraceAndConvertWideTextAtOnce) {
+    g_dwDebugFlags = 0;
+    onAllThreads([](int thread) {
+        for (int i = 0; i < kRounds; ++i) {
+            AfxTrace("%d\n", i);
+            EXPECT_STREQ(createString(L"wide"), "wide");
+            EXPECT_EQ(atoi(createString(thread * kRounds + i)), thread * kRounds + i);
+        }
+    });
+    g_dwDebugFlags = 2;
+}
+
+}  // namespace
