@@ -167,7 +167,8 @@ void* __wrap__Znam(size_t size) {
 
 void* __real__ZnwmRKSt9nothrow_t(size_t size, const std::nothrow_t& tag);
 void* __wrap__ZnwmRKSt9nothrow_t(size_t size, const std::nothrow_t& tag) {
-    return isAllocationDue() ? nullptr : counted(__real__ZnwmRKSt9nothrow_t(size, tag));
+    if (isDue("new(nothrow)") || isAllocationDue()) return nullptr;
+    return counted(__real__ZnwmRKSt9nothrow_t(size, tag));
 }
 
 void* __real__ZnamRKSt9nothrow_t(size_t size, const std::nothrow_t& tag);
