@@ -21,20 +21,17 @@ void assemble(CString& url, std::initializer_list<std::string_view> pieces) {
     url.ReleaseBuffer(static_cast<int>(length));
 }
 
-NPError requestUrl(NPP npp, const char* url, streamData* notifyData, const char* caller,
-                   const char* urlInLog) {
-    const NPError result = NPN_GetURLNotify(npp, url, nullptr, notifyData);
-    if (result != NPERR_NO_ERROR) {
-        PluginWriteLog(0, "[%s] ERROR! cannot call GetURL. url='%s', errorcode='%d'\n", caller,
-                       urlInLog, result);
-    }
-    return result;
+void logRefusal(NPError result, const char* caller, const char* url) {
+    if (result == NPERR_NO_ERROR) return;
+    PluginWriteLog(0, "[%s] ERROR! cannot call GetURL. url='%s', errorcode='%d'\n", caller, url,
+                   result);
 }
 
-NPError requestUrlBuffer(const nsPluginInstance& record, streamData* notifyData, const char* caller,
-                         const char* urlInLog) {
+NPError requestUrlBuffer(const nsPluginInstance& record, streamData* notifyData,
+                         const char* caller) {
     // The browser reads the URL during the call, whatever becomes of the record.
-    const CString urlBuffer = *record.urlBuffer;
-    const char* url = urlBuffer;
-    return requestUrl(record.npp, url, notifyData, caller, urlInLog != nullptr ? urlInLog : url);
+    const CString url = *record.urlBuffer;
+    const NPError result = NPN_GetURLNotify(record.npp, url, nullptr, notifyData);
+    logRefusal(result, caller, url);
+    return result;
 }

@@ -22,15 +22,15 @@ inline std::string_view view(const CString& text) {
     return {text, static_cast<size_t>(text.GetLength())};
 }
 
+/// Logs that the browser refused `url`, under `caller`, a function's name; nothing if `result` says
+/// that it took it.
+void logRefusal(NPError result, const char* caller, const char* url);
+
 /// Asks the browser for the URL in the instance's `urlBuffer`, tagged with `notifyData`. A refusal
-/// is logged under `caller`, a function's name, with `urlInLog` in place of the URL if given.
+/// is logged under `caller`.
 ///
 /// The page may remove the plug-in meanwhile: do not touch the record after this call unless its
 /// handle does not point at it yet.
 /// @return the browser's error number, 0 when it took the request.
-NPError requestUrlBuffer(const nsPluginInstance& record, streamData* notifyData, const char* caller,
-                         const char* urlInLog = nullptr);
-
-/// As above for a fixed URL.
-NPError requestUrl(NPP npp, const char* url, streamData* notifyData, const char* caller,
-                   const char* urlInLog);
+NPError requestUrlBuffer(const nsPluginInstance& record, streamData* notifyData,
+                         const char* caller);

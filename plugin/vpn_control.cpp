@@ -3,6 +3,7 @@
 #include "browser_request.h"
 #include "launcher.h"
 #include "nevo_service.h"
+#include "npn_gate.h"
 #include "plugin_log.h"
 
 namespace {
@@ -24,9 +25,9 @@ int statusAfter(NPError requestResult, int statusWhenTaken) {
 int tellNotInstalled(const nsPluginInstance& record) {
     PluginWriteLog(2, "[NS_LaunchVpn] VPN_NOT_INSTALLED\n");
     PluginWriteLog(4, "[NS_LaunchVpn] call GetURL, buf='%s'\n", kCallNotInstalled);
-    return statusAfter(
-        requestUrl(record.npp, kCallNotInstalled, g_h_js, kLaunchName, kUrlInRefusals),
-        kNotInstalled);
+    const NPError result = NPN_GetURLNotify(record.npp, kCallNotInstalled, nullptr, g_h_js);
+    logRefusal(result, kLaunchName, kUrlInRefusals);
+    return statusAfter(result, kNotInstalled);
 }
 
 int tellAlreadyRunning(nsPluginInstance& record) {
@@ -43,9 +44,10 @@ int connectToStarted(nsPluginInstance& record) {
     assemble(*record.urlBuffer, {nevo::kUrl, nevo::kConnectQuery});
     PluginWriteLog(3, "[NS_LaunchVpn] Call Init url='%s'\n",
                    static_cast<const char*>(*record.urlBuffer));
-    const NPError result = requestUrlBuffer(record, g_nevo_http, kLaunchName, kUrlInRefusals);
+    const NPError result = NPN_GetURLNotify(record.npp, *record.urlBuffer, nullptr, g_nevo_http);
     PluginWriteLog(3, "[NS_LaunchVpn] Call finished'\n");
     record.doNotTerminate = 0;
+    logRefusal(result, kLaunchName, kUrlInRefusals);
     return statusAfter(result, kJustStarted);
 }
 

@@ -218,16 +218,6 @@ INSTANTIATE_TEST_SUITE_P(
         return std::get<0>(row.param).name + std::to_string(std::get<1>(row.param));
     });
 
-TEST_F(Decision, AStartedServiceIsOursEvenWhenTheBrowserRefuses) {
-    // Seen during the request, as the failed instance is gone afterwards.
-    installService("exit=0");
-    browser.answerRequest = [](int) -> NPError { return 1; };
-    Embedding page(plugin);
-    EXPECT_EQ(page.create({{"last_param", ""}}), 5);
-    const std::vector<std::string> lines = log.linesStarting("[NS_LaunchVpn]");
-    EXPECT_EQ(lines.back(), "[NS_LaunchVpn] Call finished'\n");
-}
-
 // Browsers without notification.
 
 class OldBrowser : public UninitializedPluginTest {
