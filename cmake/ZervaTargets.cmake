@@ -32,5 +32,8 @@ endfunction()
 # zerva_tool(TARGET): the settings of tests, demo and benches.
 function(zerva_tool target)
   target_link_libraries(${target} PRIVATE zerva_options)
+  # GCC 12 takes copies inside std::string's concatenation for copies out of bounds.
+  target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-array-bounds
+                                           -Wno-restrict -Wno-stringop-overflow>)
   set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF)
 endfunction()
