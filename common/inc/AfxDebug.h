@@ -23,6 +23,6 @@ std::uint32_t AfxAssertFailed(const char* expression, const char* file, unsigned
                               const char* function);
 
 /// Writes the process id and the formatted message where the flags say, cut at 10238 characters;
-/// does nothing when no flag is set.
+/// does nothing when no flag is set. A null format counts as "".
 /// @return 0.
 int AfxTrace(const char* format, ...) __attribute__((format(printf, 1, 2)));

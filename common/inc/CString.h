@@ -51,7 +51,8 @@ class CString {
     /// when the other is empty.
     CString& operator=(const CString& other);
     /// As above, but takes the text over where it would have been shared.
-    CString& operator=(CString&& other);  // NOLINT(*-noexcept-*): a locked buffer is copied.
+    // Copying may raise: NOLINTNEXTLINE(bugprone-exception-escape,performance-noexcept-*)
+    CString& operator=(CString&& other);
     /// Copies a NUL-terminated text into the present block when that is unshared and large enough.
     CString& operator=(const char* text);
     /// Copies one character; a NUL is stored as a text of length 1, unchecked on purpose.

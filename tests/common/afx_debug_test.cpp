@@ -22,7 +22,7 @@ std::vector<SystemLogItem>& systemLog() {
     return items;
 }
 
-void logItem(int priority, const char* format, va_list args) {
+__attribute__((format(printf, 2, 0))) void logItem(int priority, const char* format, va_list args) {
     std::string text(20000, '\0');
     text.resize(static_cast<std::size_t>(vsnprintf(text.data(), text.size(), format, args)));
     systemLog().push_back({priority, format, text});
@@ -38,7 +38,8 @@ extern "C" void syslog(int priority, const char* format, ...) {
     va_end(args);
 }
 
-extern "C" void __syslog_chk(int priority, int /*flag*/, const char* format, ...);
+extern "C" void __syslog_chk(int priority, int flag, const char* format, ...)
+    __attribute__((format(printf, 3, 4)));
 extern "C" void __syslog_chk(int priority, int /*flag*/, const char* format, ...) {
     va_list args;
     va_start(args, format);
@@ -108,6 +109,13 @@ TEST_F(AfxDebug, TraceIsCutAtItsBuffer) {
     AfxTrace("%s", std::string(20000, 'x').c_str());
     ASSERT_EQ(systemLog().size(), 1U);
     EXPECT_EQ(systemLog()[0].text, prefix() + std::string(10238 - prefix().size(), 'x'));
+}
+
+TEST_F(AfxDebug, TraceOfANullFormatIsItsPrefix) {
+    const char* const none = nullptr;
+    AfxTrace(none);
+    ASSERT_EQ(systemLog().size(), 1U);
+    EXPECT_EQ(systemLog()[0].text, prefix());
 }
 
 TEST_F(AfxDebug, TraceTakesPercentSignsOfTheMessageAsText) {

@@ -169,10 +169,11 @@ std::size_t referenceEstimate(const Case& c) {
 // The formats are this test's own.
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"
 
-void check(const Case& c, ...) {
+void check(const Case* checked, ...) {
+    const Case& c = *checked;
     std::string whole(4096, '\0');
     va_list args;
-    va_start(args, c);
+    va_start(args, checked);
     const int written = vsnprintf(whole.data(), whole.size(), c.format.c_str(), args);
     va_end(args);
     ASSERT_GE(written, 0);
@@ -184,7 +185,7 @@ void check(const Case& c, ...) {
     if (const std::size_t nul = whole.find('\0'); nul != std::string::npos) whole.resize(nul);
 
     CString s;
-    va_start(args, c);
+    va_start(args, checked);
     s.FormatV(c.format.c_str(), args);
     va_end(args);
     ASSERT_EQ(textOf(s), whole) << "format: " << c.format;
@@ -195,7 +196,7 @@ void check(const Case& c, ...) {
 template <typename... Args>
 void checkTyped(const Case& c, Args... args) {
     if constexpr (constexpr std::size_t at = sizeof...(Args); at == kArguments) {
-        check(c, args...);
+        check(&c, args...);
     } else {
         switch (c.kinds[at]) {
             case Kind::longLong:

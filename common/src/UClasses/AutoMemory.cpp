@@ -24,6 +24,7 @@ AutoMemory::AutoMemory(const unsigned char* data, unsigned int size) {
     if (data != nullptr) CopyFrom(data, size);
 }
 
+// NOLINTNEXTLINE(bugprone-copy-constructor-init,readability-redundant-member-init): no error copied
 AutoMemory::AutoMemory(const AutoMemory& other) : UObject() {
     Allocate(other.m_size, 0);
     CopyFrom(other.m_buffer, other.m_size);

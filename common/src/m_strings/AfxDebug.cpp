@@ -36,6 +36,7 @@ std::uint32_t AfxAssertFailed(const char* expression, const char* file, unsigned
 int AfxTrace(const char* format, ...) {
     const std::uint32_t flags = g_dwDebugFlags;
     if (flags == 0) return 0;
+    if (format == nullptr) format = "";
 
     std::array<char, 10240> text{};
     const std::size_t limit = text.size() - 1;

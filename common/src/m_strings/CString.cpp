@@ -160,6 +160,7 @@ CString::CString(char ch, int count) {
     memset(m_pchData, ch, static_cast<std::size_t>(count));
 }
 
+// A text is the same as itself by its block: NOLINTNEXTLINE(bugprone-unhandled-self-assignment)
 CString& CString::operator=(const CString& other) {
     if (m_pchData == other.m_pchData) return *this;
     CStringData* const old = GetData();
@@ -174,6 +175,8 @@ CString& CString::operator=(const CString& other) {
     return *this;
 }
 
+// A locked buffer is copied:
+// NOLINTNEXTLINE(bugprone-exception-escape,performance-noexcept-move-constructor)
 CString& CString::operator=(CString&& other) {
     if (m_pchData == other.m_pchData) return *this;
     CStringData* const old = GetData();

@@ -66,31 +66,14 @@ PrintfArguments::Length PrintfArguments::ReadLength() {
     const char first = *m_at;
     if (first == '\0' || strchr("hlqjztL", first) == nullptr) return Length::none;
     ++m_at;
-    const bool doubled = (first == 'h' || first == 'l') && *m_at == first;
-    if (doubled) ++m_at;
-    switch (first) {
-        case 'h':
-            return Length::none;
-        case 'l':
-            return doubled ? Length::longest : Length::longer;
-        case 'z':
-        case 't':
-            return Length::longer;
-        case 'L':
-            return Length::longDouble;
-        default:
-            return Length::longest;
-    }
+    if ((first == 'h' || first == 'l') && *m_at == first) ++m_at;
+    if (first == 'h') return Length::none;
+    return first == 'L' ? Length::longDouble : Length::longer;
 }
 
-void PrintfArguments::TakeInteger(Length length) {
-    if (length == Length::none) {
-        va_arg(m_args, int);
-    } else if (length == Length::longer) {
-        va_arg(m_args, long);
-    } else {
-        va_arg(m_args, long long);
-    }
+template <typename T>
+void PrintfArguments::Skip() {
+    static_cast<void>(va_arg(m_args, T));
 }
 
 bool PrintfArguments::TakeArgument(Length length, char conversion) {
@@ -104,7 +87,12 @@ bool PrintfArguments::TakeArgument(Length length, char conversion) {
         case 'u':
         case 'x':
         case 'X':
-            TakeInteger(length);
+            length == Length::none ? Skip<int>() : Skip<long long>();
+            return true;
+        case 'c':
+        case 'C':
+            static_assert(sizeof(wint_t) == sizeof(int));
+            Skip<int>();
             return true;
         case 'e':
         case 'E':
@@ -114,30 +102,24 @@ bool PrintfArguments::TakeArgument(Length length, char conversion) {
         case 'G':
         case 'a':
         case 'A':
-            if (length == Length::longDouble) {
-                va_arg(m_args, long double);
-            } else {
-                va_arg(m_args, double);
-            }
-            return true;
-        case 'c':
-            va_arg(m_args, int);
-            return true;
-        case 'C':
-            va_arg(m_args, wint_t);
+            length == Length::longDouble ? Skip<long double>() : Skip<double>();
             return true;
         case 's':
+            TakeText(length);
+            return true;
         case 'S':
         case 'p':
-        case 'n': {
-            const char* const pointer = va_arg(m_args, const char*);
-            if (conversion != 's' || length != Length::none) return true;
-            m_last.text = pointer;
-            m_tookOwnText |=
-                !std::less<>()(pointer, m_own) && std::less<>()(pointer, m_own + m_ownSize);
+        case 'n':
+            Skip<void*>();
             return true;
-        }
         default:
             return false;
     }
+}
+
+void PrintfArguments::TakeText(Length length) {
+    const char* const text = va_arg(m_args, const char*);
+    if (length != Length::none) return;
+    m_last.text = text;
+    m_tookOwnText |= !std::less<>()(text, m_own) && std::less<>()(text, m_own + m_ownSize);
 }

@@ -36,13 +36,16 @@ class PrintfArguments {
     bool TookOwnText();
 
   private:
-    enum class Length { none, longer, longest, longDouble };
+    // Every longer integer has 64 bits.
+    enum class Length { none, longer, longDouble };
 
     bool Next();
     bool ReadNumber(int& fromList);
     Length ReadLength();
     bool TakeArgument(Length length, char conversion);
-    void TakeInteger(Length length);
+    void TakeText(Length length);
+    template <typename T>
+    void Skip();
 
     const char* m_at;
     va_list m_args;

@@ -100,7 +100,8 @@ StrFormat& StrFormat::Fill(std::string_view value) {
         const std::size_t length = static_cast<std::size_t>(m_template.GetLength());
         const std::size_t newLength = length + 2 + value.length();
         char* const end = MakeRoom(newLength) + length;
-        memcpy(end, ", ", 2);
+        end[0] = ',';
+        end[1] = ' ';
         memcpy(end + 2, value.data(), value.length());
         m_template.ReleaseBuffer(static_cast<int>(newLength));
     }
