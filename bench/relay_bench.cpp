@@ -8,6 +8,7 @@
 #include <cstring>
 #include <string>
 
+#include "IUErrorLog.h"
 #include "notify_data.h"
 #include "npn_gate.h"
 #include "npp_gate.h"
@@ -27,6 +28,7 @@ NPError takeUrl(NPP /*instance*/, const char* url, const char* /*target*/, void*
 class RelayingInstance {
   public:
     RelayingInstance() {
+        errorLog = nullptr;
         NPNFuncs.version = 26;
         NPNFuncs.geturlnotify = takeUrl;
         NPP_New(nullptr, &m_npp, 1, 0, nullptr, nullptr, nullptr);

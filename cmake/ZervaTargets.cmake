@@ -33,7 +33,8 @@ endfunction()
 function(zerva_tool target)
   target_link_libraries(${target} PRIVATE zerva_options)
   # GCC 12 takes copies inside std::string's concatenation for copies out of bounds.
-  target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-array-bounds
-                                           -Wno-restrict -Wno-stringop-overflow>)
+  target_compile_options(
+    ${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-array-bounds -Wno-restrict
+                      -Wno-stringop-overflow -Wno-stringop-overread>)
   set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF)
 endfunction()

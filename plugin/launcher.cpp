@@ -12,6 +12,7 @@
 #include <cstring>
 #include <memory>
 
+#include "ForkHooks.h"
 #include "nevo_service.h"
 #include "pid_file.h"
 #include "plugin_log.h"
@@ -105,6 +106,18 @@ int awaitProgram(pid_t pid) {
     return WEXITSTATUS(status) == nevo::kExitNotInstalled ? kServiceNotInstalled : kServiceStarted;
 }
 
+// A fork whose child may log, whatever other threads of the browser do with the log meanwhile.
+pid_t forkWithLog() {
+    prepareLogForFork();
+    const pid_t pid = fork();
+    if (pid == 0) {
+        resumeLogInChild();
+    } else {
+        resumeLogInParent();
+    }
+    return pid;
+}
+
 int startService(const char* launchData) {
     int ends[2] = {0, 0};
     if (pipe(ends) != 0) {
@@ -115,7 +128,7 @@ int startService(const char* launchData) {
     UniqueFd writeEnd(ends[1]);
     // A program that another thread starts meanwhile must not hold the input open.
     fcntl(writeEnd.get(), F_SETFD, FD_CLOEXEC);
-    const pid_t pid = fork();
+    const pid_t pid = forkWithLog();
     if (pid == -1) {
         PluginWriteLog(0, "[LaunchVPN] fork error='%d'\n", errno);
         return kLaunchFailed;

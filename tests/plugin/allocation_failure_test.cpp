@@ -55,7 +55,7 @@ NPNetscapeFuncs quietBrowser() {
 class AllocationFailure : public testing::TestWithParam<bool> {
   protected:
     AllocationFailure() {
-        if (hasLog()) errorLog = &m_log;
+        errorLog = hasLog() ? &m_log : nullptr;
         removeServiceFiles();
         EXPECT_EQ(NP_Initialize(&m_browser), 0);
         EXPECT_EQ(NP_GetEntryPoints(&plugin), 0);

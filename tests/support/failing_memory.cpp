@@ -1,5 +1,6 @@
 #include "failing_memory.h"
 
+#include <cerrno>
 #include <cstdlib>
 #include <new>
 
@@ -11,6 +12,7 @@ thread_local bool failed = false;
 bool isToFail() {
     if (allocationsLeft == 0 || --allocationsLeft > 0) return false;
     failed = true;
+    errno = ENOMEM;
     return true;
 }
 

@@ -30,6 +30,10 @@ int enterSandbox(const std::vector<std::string>& arguments) {
     for (const std::string& argument : arguments) {
         if (argument == "--sandbox-user=root") asUser = false;
         if (argument == "--sandbox-as-pid-1") command.emplace_back("--as-pid-1");
+        if (argument == "--sandbox-small-disk") {
+            command.insert(command.end(),
+                           {"--small-disk", kSmallDisk, std::to_string(kSmallDiskSize)});
+        }
     }
     if (asUser) command.emplace_back("--user");
     command.emplace_back("--");

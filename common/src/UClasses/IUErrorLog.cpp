@@ -5,7 +5,7 @@
 #include <cstdarg>
 #include <cstdio>
 
-constinit UErrorLogPointer errorLog;
+#include "PriorityLine.h"
 
 namespace {
 
@@ -23,10 +23,9 @@ __attribute__((format(printf, 3, 0))) const char* formatItem(ItemBuffer& item,
     return item.data();
 }
 
-CString withPriority(int priority, const char* text) {
-    CString line;
-    line.Format("%d,,,, %s", priority, text);
-    return line;
+int writeWithPriority(IUErrorLog& log, int priority, const char* text) {
+    const PriorityLine line(priority, text);
+    return line.text() != nullptr ? log.WriteLogItem(line.text()) : -1;
 }
 
 }  // namespace
@@ -58,13 +57,13 @@ int IUErrorLog::WriteLogStr(const char* text) {
 }
 
 int IUErrorLog::WriteLogStr(int priority, const char* text) {
-    return GetLogLevel() >= 1 ? WriteLogItem(withPriority(priority, text)) : 0;
+    return GetLogLevel() >= 1 ? writeWithPriority(*this, priority, text) : 0;
 }
 
-int IUErrorLog::WriteErrorStr(const char* text) { return WriteLogItem(withPriority(0, text)); }
+int IUErrorLog::WriteErrorStr(const char* text) { return writeWithPriority(*this, 0, text); }
 
 int IUErrorLog::WriteAsHex(int priority, unsigned char* data, unsigned int length) {
-    if (GetLogLevel() < priority) return 0;
+    if (GetLogLevel() < priority || data == nullptr) return 0;
     while (length > 0) {
         const unsigned int count = std::min(length, kHexValuesPerLine);
         std::array<char, kHexValuesPerLine * 3 + 2> line;

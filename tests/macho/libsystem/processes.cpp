@@ -1,5 +1,6 @@
 #include <dlfcn.h>
 #include <pwd.h>
+#include <sys/resource.h>
 #include <sys/types.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -72,10 +73,21 @@ pid_t waitForProcess(pid_t process, int* status, int options) {
     return ended;
 }
 
+// <sys/resource.h> of a Mac: the first six limits bear the same numbers, "none" is another one.
+int getLimit(int which, rlimit* limit) {
+    constexpr rlim_t kMacNone = (rlim_t{1} << 63) - 1;
+    const int result = getrlimit(static_cast<__rlimit_resource_t>(which), limit);
+    if (result != 0) return result;
+    if (limit->rlim_cur == RLIM_INFINITY) limit->rlim_cur = kMacNone;
+    if (limit->rlim_max == RLIM_INFINITY) limit->rlim_max = kMacNone;
+    return 0;
+}
+
 }  // namespace
 
 void addProcesses(SymbolTable& table) {
     table.addCall("_execl", varExecl);
+    table.addCall("_getrlimit", getLimit);
     table.addCall("_getpwuid", userById);
     table.addCall("_getpwuid_r", copyUserById);
     table.addCall("_waitpid", waitForProcess);

@@ -24,8 +24,8 @@ const std::unordered_set<std::string_view>& alike() {
         "fileno", "flock", "fputc", "fputs", "fread", "fseek", "fseeko", "fsync", "ftell", "ftello",
         "ftruncate", "fwrite", "getc", "getcwd", "isatty", "link", "lseek", "mkdtemp", "mkstemp",
         "pipe", "pread", "putchar", "puts", "pwrite", "read", "readlink", "remove", "rename",
-        "rewind", "rmdir", "setvbuf", "symlink", "truncate", "ungetc", "unlink", "write", "fchown",
-        "chown", "access",
+        "rewind", "rmdir", "setvbuf", "symlink", "truncate", "ungetc", "unlink", "write", "writev",
+        "fchown", "chown", "access",
         // processes and users
         "_exit", "execv", "fork", "getegid", "getenv", "geteuid", "getgid", "getpgid", "getpid",
         "getppid", "getuid", "setenv", "sleep", "umask", "unsetenv", "usleep",

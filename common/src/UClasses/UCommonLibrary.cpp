@@ -1,0 +1,28 @@
+#include "UCommonLibrary.h"
+
+#include "ForkHooks.h"
+#include "IUErrorLog.h"
+
+// Here rather than with the interface: whoever uses the pointer gets the object behind it.
+constinit UErrorLogPointer errorLog;
+
+UCommonLibrary::UCommonLibrary() {
+    if (errorLog == nullptr) errorLog = &m_log;
+}
+
+UCommonLibrary::~UCommonLibrary() {
+    releaseResources();
+    errorLog = nullptr;
+}
+
+namespace {
+
+UCommonLibrary s_library;
+
+}  // namespace
+
+void prepareLogForFork() { s_library.log().PrepareFork(); }
+
+void resumeLogInParent() { s_library.log().AfterForkInParent(); }
+
+void resumeLogInChild() { s_library.log().AfterForkInChild(); }
