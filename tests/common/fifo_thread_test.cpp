@@ -1,0 +1,103 @@
+// The buffer between threads; run under the thread sanitizer, too.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <string>
+#include <thread>
+
+#include "fifo_double.h"
+#include "random_seed.h"
+
+namespace {
+
+const int kBytes = randomRounds(2000000);
+
+// Checks that bytes come in the order in which the producer numbers them.
+class OrderedSink : public RecordStream {
+  public:
+    long send(long length, unsigned char* data) override {
+        for (long i = 0; i < length; ++i, ++received) {
+            if (data[i] != static_cast<unsigned char>(received)) inOrder = false;
+        }
+        return length;
+    }
+    int received = 0;
+    bool inOrder = true;
+};
+
+// Pushes numbered bytes in runs of changing length.
+void produce(OpenFifo& fifo, bool locking) {
+    unsigned char run[97];
+    for (int sent = 0, length = 1; sent < kBytes; length = length % 97 + 1) {
+        const int count = std::min(length, kBytes - sent);
+        for (int i = 0; i < count; ++i) run[i] = static_cast<unsigned char>(sent + i);
+        if (locking) fifo.Lock();
+        const bool fits = fifo.getFreeSpace() >= count;
+        if (fits && fifo.push(run, count) == count) sent += count;
+        if (locking) fifo.Unlock();
+        if (!fits) std::this_thread::yield();
+    }
+}
+
+TEST(FifoThreads, OneProducerAndOneStreamConsumerInLockingMode) {
+    OpenFifo fifo(500);
+    OrderedSink sink;
+    std::thread producer([&] { produce(fifo, false); });
+    while (sink.received < kBytes) {
+        const int available = fifo.getDataAvailable();
+        if (available == 0) {
+            std::this_thread::yield();
+        } else {
+            fifo.popToStream(&sink, available);
+        }
+        EXPECT_LE(fifo.getHead(), 500);
+        EXPECT_LE(fifo.getTail(), 500);
+    }
+    producer.join();
+    EXPECT_TRUE(sink.inOrder);
+    EXPECT_EQ(fifo.getDataAvailable(), 0);
+}
+
+TEST(FifoThreads, CallersHoldTheLockInTheOtherMode) {
+    OpenFifo fifo(500);
+    fifo.setMode(1);
+    OrderedSink sink;
+    std::thread producer([&] { produce(fifo, true); });
+    while (sink.received < kBytes) {
+        fifo.Lock();
+        const int available = fifo.getDataAvailable();
+        if (available > 0) fifo.popToStream(&sink, available);
+        fifo.Unlock();
+        if (available == 0) std::this_thread::yield();
+    }
+    producer.join();
+    EXPECT_TRUE(sink.inOrder);
+}
+
+TEST(FifoThreads, ACallerHoldsTheBufferOverSeveralOperations) {
+    OpenFifo fifo(100);
+    std::atomic<bool> stop{false};
+    std::thread other([&] {
+        while (!stop) {
+            fifo.Lock();
+            fifo.pushText("xy");
+            fifo.skip(2);
+            fifo.Unlock();
+        }
+    });
+    for (int i = 0; i < randomRounds(20000); ++i) {
+        fifo.Lock();
+        const int before = fifo.getDataAvailable();
+        fifo.pushText("abc");
+        EXPECT_EQ(fifo.getDataAvailable(), before + 3);
+        fifo.clear();
+        fifo.Unlock();
+        fifo.Unlock();
+    }
+    stop = true;
+    other.join();
+}
+
+}  // namespace
