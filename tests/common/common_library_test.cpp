@@ -76,8 +76,10 @@ TEST(CommonLibrary, PointerIsNullAfterStaticDestruction) {
     EXPECT_EXIT(std::exit(0), testing::ExitedWithCode(0), "");
 }
 
-// Threads log as soon as there is a log and until the program ends.
+// Threads log as soon as there is a log and until the program ends. They are started in a program of
+// their own: a copy of one that already had a thread may not start others.
 TEST(CommonLibrary, ThreadsMayLogUntilTheyAreJoinedAtExit) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_EXIT(
         {
             static std::atomic<bool> done{false};
