@@ -28,7 +28,7 @@ class UAutoSync {
     UAutoSync& operator=(const UAutoSync&) = delete;
 
   private:
-    // No constructor sets it; part of the class as it has always been.
+    // No constructor sets it; part of the class as it has always been, kept on purpose.
     UMutex* m_mutex = nullptr;
     UCriticalSection* m_section;
 };

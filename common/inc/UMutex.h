@@ -20,7 +20,7 @@ class UMutex {
     UMutex& operator=(const UMutex&) = delete;
 
     /// Takes the lock within `timeout` milliseconds. A held lock is looked at every 16 ms, so a
-    /// limited wait may last that much longer, one of 0 ms included.
+    /// limited wait may last that much longer, one of 0 ms included; kept on purpose.
     /// @return kWaitAcquired, kWaitTimedOut or kWaitFailed.
     unsigned int Acquire(unsigned int timeout);
 

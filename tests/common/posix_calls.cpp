@@ -20,12 +20,15 @@ thread_local std::array<Failure, kCalls> failures;
 thread_local std::vector<timespec> deadlines;
 thread_local std::vector<timespec> restsAskedFor;
 thread_local timespec leftOver;
+thread_local std::vector<timeval> timesToTell;
+thread_local std::vector<PosixCall>* recorded = nullptr;
 
 // Counts a call. @return the error that it is to give.
 int noteCall(PosixCall call) {
     const auto index = static_cast<std::size_t>(call);
     ++counts[index];
     counts[index].notify_all();
+    if (recorded != nullptr) recorded->push_back(call);
     if (failures[index].times == 0) return 0;
     --failures[index].times;
     return failures[index].error;
@@ -53,6 +56,7 @@ void resetPosixCalls() {
     failures = {};
     deadlines.clear();
     restsAskedFor.clear();
+    timesToTell.clear();
 }
 
 void failPosixCall(PosixCall call, int error, int times) {
@@ -60,6 +64,14 @@ void failPosixCall(PosixCall call, int error, int times) {
 }
 
 int countOf(PosixCall call) { return counts[static_cast<std::size_t>(call)]; }
+
+std::vector<PosixCall> callsWithin(const std::function<void()>& action) {
+    std::vector<PosixCall> calls;
+    recorded = &calls;
+    action();
+    recorded = nullptr;
+    return calls;
+}
 
 void awaitCount(PosixCall call, int count) {
     auto& calls = counts[static_cast<std::size_t>(call)];
@@ -71,6 +83,8 @@ const std::vector<timespec>& waitDeadlines() { return deadlines; }
 const std::vector<timespec>& rests() { return restsAskedFor; }
 
 void leaveOver(timespec rest) { leftOver = rest; }
+
+void tellTimes(const std::vector<timeval>& times) { timesToTell = times; }
 
 // The linker sends every call of NAME to __wrap_NAME, and __real_NAME to the platform.
 extern "C" {
@@ -132,6 +146,13 @@ REAL(nanosleep, const timespec* rest, timespec* left) {
     *left = leftOver;
     errno = error;
     return -1;
+}
+REAL(gettimeofday, timeval* now, void* zone) {
+    noteCall(PosixCall::gettimeofday);
+    if (timesToTell.empty()) return __real_gettimeofday(now, zone);
+    *now = timesToTell.front();
+    timesToTell.erase(timesToTell.begin());
+    return 0;
 }
 
 #undef REAL

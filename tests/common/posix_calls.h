@@ -4,9 +4,10 @@
 /// `zerva_wrap_posix_calls` go through here. Counts calls of all threads, and fails those of the
 /// thread that asked for it.
 
-#include <sys/types.h>
+#include <sys/time.h>
 
 #include <ctime>
+#include <functional>
 #include <vector>
 
 enum class PosixCall {
@@ -25,6 +26,7 @@ enum class PosixCall {
     condSignal,
     condBroadcast,
     nanosleep,
+    gettimeofday,
     end
 };
 
@@ -38,6 +40,9 @@ void failPosixCall(PosixCall call, int error, int times = 1);
 /// How often a call has been made since the reset.
 int countOf(PosixCall call);
 
+/// The calls that this thread makes in `action`, in their order.
+std::vector<PosixCall> callsWithin(const std::function<void()>& action);
+
 /// Waits until a call has been made `count` times since the reset, by whatever thread.
 void awaitCount(PosixCall call, int count);
 
@@ -47,3 +52,6 @@ const std::vector<timespec>& waitDeadlines();
 /// The rests that this thread asked for, and what an interrupted rest leaves over.
 const std::vector<timespec>& rests();
 void leaveOver(timespec rest);
+
+/// The times of day that this thread is told next, before it is told the true one again.
+void tellTimes(const std::vector<timeval>& times);

@@ -7,6 +7,7 @@
 #include <functional>
 #include <string>
 #include <type_traits>
+#include <vector>
 
 #include "UAutoSync.h"
 #include "UCriticalSection.h"
@@ -14,6 +15,7 @@
 #include "UException.h"
 #include "UMutex.h"
 #include "USemaphore.h"
+#include "failing_memory.h"
 #include "posix_calls.h"
 #include "record_log.h"
 #include "row_name.h"
@@ -126,6 +128,17 @@ TEST_P(Failing, IsNotLoggedBelowLevelOne) {
 
 TEST_P(Failing, NeedsNoLog) { actWithFailure(); }
 
+TEST_P(Failing, NeedsNoMemory) {
+    const RecordLog log;
+    for (int n = 1, happened = true; happened; ++n) {
+        resetPosixCalls();
+        failPosixCall(GetParam().call, EINVAL);
+        const FailingAllocation failing(n);
+        EXPECT_NO_THROW(GetParam().act()) << n;
+        happened = failing.happened();
+    }
+}
+
 constexpr char kLock[] = "pthread_mutex_lock - failed to lock mutex";
 constexpr char kUnlock[] = "pthread_mutex_unlock - failed to unlock mutex";
 constexpr char kDestroyMutex[] = "pthread_mutex_destroy - failed to destroy mutex";
@@ -199,6 +212,18 @@ INSTANTIATE_TEST_SUITE_P(
                   kDestroyCondition}),
     nameOfRow);
 
+using Calls = std::vector<PosixCall>;
+
+TEST(SyncClasses, AreMadeAndDestroyedInTheirOrder) {
+    using enum PosixCall;
+    const Calls ofLock{mutexattrInit, mutexattrSettype, mutexInit, mutexDestroy, mutexattrDestroy};
+    const Calls ofMonitor{mutexInit, condInit, mutexDestroy, condDestroy};
+    EXPECT_EQ(callsWithin(makeCriticalSection), ofLock);
+    EXPECT_EQ(callsWithin(makeMutex), ofLock);
+    EXPECT_EQ(callsWithin(makeEvent), ofMonitor);
+    EXPECT_EQ(callsWithin(makeSemaphore), ofMonitor);
+}
+
 template <class Class>
 constexpr bool kNeitherCopiedNorAssigned =
     !std::is_copy_constructible_v<Class> && !std::is_copy_assignable_v<Class> &&
@@ -218,6 +243,10 @@ TEST(SyncClasses, OnlyMutexAndSemaphoreAreDestroyedThroughTheirTables) {
     EXPECT_FALSE(std::is_polymorphic_v<UEvent>);
     EXPECT_TRUE(std::has_virtual_destructor_v<UMutex>);
     EXPECT_TRUE(std::has_virtual_destructor_v<USemaphore>);
+}
+
+TEST(SyncClasses, AGuardLetsOutWhatItsEndRaises) {
+    EXPECT_FALSE(std::is_nothrow_destructible_v<UAutoSync>);
 }
 
 TEST(SyncClasses, AGuardIsTwoPointers) { EXPECT_EQ(sizeof(UAutoSync), 2 * sizeof(void*)); }

@@ -116,6 +116,24 @@ TEST(Mutex, ATryOnAHeldOneTakesOneRestOfSixteenMilliseconds) {
     EXPECT_TRUE(mutex.Release());
 }
 
+using Calls = std::vector<PosixCall>;
+
+TEST(Mutex, ATryOnAHeldOneIsASingleTry) {
+    using enum PosixCall;
+    UMutex mutex(true);
+    const Calls made = onAnotherThread([&] { return callsWithin([&] { mutex.Acquire(0); }); });
+    EXPECT_EQ(made, (Calls{mutexTrylock, gettimeofday, nanosleep, gettimeofday}));
+    EXPECT_TRUE(mutex.Release());
+}
+
+TEST(Mutex, AFreeOneIsTakenWithoutAskingForTheTime) {
+    UMutex mutex;
+    EXPECT_EQ(callsWithin([&] { mutex.Acquire(50); }), Calls{PosixCall::mutexTrylock});
+    EXPECT_EQ(callsWithin([&] { mutex.Acquire(kWaitForever); }), Calls{PosixCall::mutexLock});
+    EXPECT_TRUE(mutex.Release());
+    EXPECT_TRUE(mutex.Release());
+}
+
 TEST(Mutex, ALimitedWaitLooksEverySixteenMilliseconds) {
     UMutex mutex(true);
     resetPosixCalls();
@@ -178,6 +196,32 @@ TEST(TimedLock, ADeadlineOfZeroIsASingleTry) {
     failPosixCall(PosixCall::mutexTrylock, EINVAL);
     EXPECT_EQ(xpthread_mutex_timedlock(&mutex, &zero), EINVAL);
     EXPECT_EQ(countOf(PosixCall::nanosleep), 0);
+    pthread_mutex_unlock(&mutex);
+}
+
+TEST(TimedLock, IsOverOnlyWhenTheTimeIsPastTheDeadline) {
+    pthread_mutex_t mutex = PTHREAD_MUTEX_INITIALIZER;
+    const timespec deadline{.tv_sec = 100, .tv_nsec = 5000};
+    ASSERT_EQ(pthread_mutex_lock(&mutex), 0);
+    const timeval reached{.tv_sec = 100, .tv_usec = 5};
+    const timeval before{.tv_sec = 99, .tv_usec = 999999};
+    for (const timeval past : {timeval{.tv_sec = 100, .tv_usec = 6}, timeval{.tv_sec = 101, .tv_usec = 0}}) {
+        resetPosixCalls();
+        tellTimes({before, reached, past});
+        EXPECT_EQ(xpthread_mutex_timedlock(&mutex, &deadline), ETIMEDOUT);
+        EXPECT_EQ(countOf(PosixCall::mutexTrylock), 3);
+        EXPECT_EQ(countOf(PosixCall::nanosleep), 3);
+    }
+    pthread_mutex_unlock(&mutex);
+}
+
+TEST(TimedLock, GivesWhatALaterTryGave) {
+    pthread_mutex_t mutex = PTHREAD_MUTEX_INITIALIZER;
+    const timespec deadline{.tv_sec = 100, .tv_nsec = 0};
+    resetPosixCalls();
+    failPosixCall(PosixCall::mutexTrylock, EBUSY);
+    tellTimes({{.tv_sec = 99, .tv_usec = 0}});
+    EXPECT_EQ(xpthread_mutex_timedlock(&mutex, &deadline), 0);
     pthread_mutex_unlock(&mutex);
 }
 

@@ -16,6 +16,7 @@
 #include "on_threads.h"
 #include "posix_calls.h"
 #include "record_log.h"
+#include "row_name.h"
 
 namespace {
 
@@ -162,6 +163,60 @@ TEST(Deadline, IsTheTimeOfDayAndTheTimeout) {
             std::chrono::seconds(deadline.tv_sec) + std::chrono::nanoseconds(deadline.tv_nsec));
         EXPECT_GE(time - before, milliseconds(timeout) - std::chrono::microseconds(1));
         EXPECT_LE(time - after, milliseconds(timeout));
+    }
+}
+
+struct Sum {
+    const char* rule;
+    timeval now;
+    unsigned int timeout;
+    timespec deadline;
+};
+class DeadlineSum : public testing::TestWithParam<Sum> {};
+
+TEST_P(DeadlineSum, IsCarriedIntoTheSeconds) {
+    UEvent event(true, false);
+    USemaphore semaphore(0, 1);
+    resetPosixCalls();
+    tellTimes({GetParam().now, GetParam().now});
+    failPosixCall(PosixCall::condTimedwait, ETIMEDOUT, 2);
+    EXPECT_EQ(event.wait(GetParam().timeout), kWaitTimedOut);
+    EXPECT_EQ(semaphore.Acquire(GetParam().timeout), kWaitTimedOut);
+    ASSERT_EQ(waitDeadlines().size(), 2u);
+    for (const timespec& deadline : waitDeadlines()) {
+        EXPECT_EQ(deadline.tv_sec, GetParam().deadline.tv_sec);
+        EXPECT_EQ(deadline.tv_nsec, GetParam().deadline.tv_nsec);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, DeadlineSum,
+    testing::Values(Sum{"WholeSeconds", {100, 0}, 2000, {102, 0}},
+                    Sum{"WithoutACarry", {100, 999}, 999, {100, 999999000}},
+                    Sum{"ToTheSecond", {100, 500000}, 500, {101, 0}},
+                    Sum{"OfMicroseconds", {100, 999999}, 1, {101, 999000}},
+                    Sum{"Most", {100, 999999}, 1999, {102, 998999000}},
+                    Sum{"LongestLimit", {100, 0}, 4294967294u, {4295067, 294000000}}),
+    nameOfRow);
+
+using Calls = std::vector<PosixCall>;
+
+TEST(Deadline, IsFixedBeforeTheLockIsTaken) {
+    using enum PosixCall;
+    const Calls limited{gettimeofday, mutexLock, mutexUnlock};
+    UEvent event(true, true);
+    USemaphore semaphore(1, 1);
+    EXPECT_EQ(callsWithin([&] { event.wait(30); }), limited);
+    EXPECT_EQ(callsWithin([&] { semaphore.Acquire(30); }), limited);
+}
+
+TEST(Deadline, IsNeededByLimitedWaitsOnly) {
+    const Calls unlimited{PosixCall::mutexLock, PosixCall::mutexUnlock};
+    for (const unsigned int timeout : {0u, kWaitForever}) {
+        UEvent event(true, true);
+        USemaphore semaphore(1, 1);
+        EXPECT_EQ(callsWithin([&] { event.wait(timeout); }), unlimited);
+        EXPECT_EQ(callsWithin([&] { semaphore.Acquire(timeout); }), unlimited);
     }
 }
 

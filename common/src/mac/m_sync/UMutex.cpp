@@ -21,6 +21,22 @@ bool isPast(const timespec& deadline) {
     return now.tv_usec * 1000L > deadline.tv_nsec;
 }
 
+// Asks for `deadline()` only when the first try found the lock held: a free lock does not need to
+// know the time.
+template <class Deadline>
+int timedLock(pthread_mutex_t* mutex, Deadline deadline) {
+    int error = pthread_mutex_trylock(mutex);
+    if (error != EBUSY) return error;
+    const timespec limit = deadline();
+    if (limit.tv_sec == 0 && limit.tv_nsec == 0) return ETIMEDOUT;
+    do {
+        sleepForPoll();
+        if (isPast(limit)) return ETIMEDOUT;
+        error = pthread_mutex_trylock(mutex);
+    } while (error == EBUSY);
+    return error;
+}
+
 }  // namespace
 
 UMutex::UMutex(bool initialOwner) {
@@ -31,17 +47,9 @@ UMutex::UMutex(bool initialOwner) {
 UMutex::~UMutex() { destroyRecursive(m_mutex, m_attributes); }
 
 unsigned int UMutex::Acquire(unsigned int timeout) {
-    int error = 0;
-    if (timeout == kWaitForever) {
-        error = pthread_mutex_lock(&m_mutex);
-    } else {
-        // A free lock does not need to know the time.
-        error = pthread_mutex_trylock(&m_mutex);
-        if (error == EBUSY) {
-            const timespec deadline = deadlineAfter(timeout);
-            error = xpthread_mutex_timedlock(&m_mutex, &deadline);
-        }
-    }
+    const int error = timeout == kWaitForever
+                          ? pthread_mutex_lock(&m_mutex)
+                          : timedLock(&m_mutex, [timeout] { return deadlineAfter(timeout); });
     if (error == 0) return kWaitAcquired;
     return error == ETIMEDOUT ? kWaitTimedOut : kWaitFailed;
 }
@@ -52,12 +60,5 @@ bool UMutex::Release() {
 }
 
 int xpthread_mutex_timedlock(pthread_mutex_t* mutex, const timespec* deadline) {
-    const bool singleTry = deadline->tv_sec == 0 && deadline->tv_nsec == 0;
-    for (;;) {
-        const int error = pthread_mutex_trylock(mutex);
-        if (error != EBUSY) return error;
-        if (singleTry) return ETIMEDOUT;
-        sleepForPoll();
-        if (isPast(*deadline)) return ETIMEDOUT;
-    }
+    return timedLock(mutex, [deadline] { return *deadline; });
 }
