@@ -3,10 +3,27 @@
 #include <gtest/gtest.h>
 
 #include <clocale>
+#include <cstdlib>
 #include <string>
 
 #include "UException.h"
 #include "record_log.h"
+
+namespace {
+
+// The how many-th next conversion to bytes fails, counted from 1; 0 for none.
+int failingConversion = 0;
+
+}  // namespace
+
+// The linker sends every call of wcstombs here.
+extern "C" {
+std::size_t __real_wcstombs(char* to, const wchar_t* from, std::size_t size);
+std::size_t __wrap_wcstombs(char* to, const wchar_t* from, std::size_t size) {
+    if (failingConversion > 0 && --failingConversion == 0) return static_cast<std::size_t>(-1);
+    return __real_wcstombs(to, from, size);
+}
+}
 
 namespace {
 
@@ -98,6 +115,17 @@ TEST_F(ByteStream, AWideTextThatTheLocaleDoesNotHaveIsRaised) {
     setlocale(LC_ALL, "C");
     expectRaised("EXCEPTION - WideCharToMultiByte() failed",
                  [](AutoMemory& out) { StringToByteStream(L"\u20ac", out, 0); });
+}
+
+TEST_F(ByteStream, SaysWhichConversionToBytesFailed) {
+    const char* const messages[] = {"EXCEPTION - WideCharToMultiByte() failed",
+                                    "EXCEPTION - WideCharToMultiByte() || failed"};
+    for (int n = 1; n <= 2; ++n) {
+        failingConversion = n;
+        expectRaised(messages[n - 1], [](AutoMemory& out) { StringToByteStream("a", out, 1); });
+        failingConversion = n;
+        expectRaised(messages[n - 1], [](AutoMemory& out) { StringToByteStream(L"a", out, 0); });
+    }
 }
 
 }  // namespace
