@@ -119,7 +119,8 @@ INSTANTIATE_TEST_SUITE_P(Hexadecimal, ToDword,
                                          Dword{"0x0", 0, true}, Dword{"0xffffffff", UINT_MAX, true},
                                          Dword{"0xdeadBEEF", 0xdeadbeef, true},
                                          Dword{"0x1fg", 0x1f, true}, Dword{"0x", 7, false},
-                                         Dword{"0xg", 7, false}, Dword{"0x123456789", 7, false}));
+                                         Dword{"0xg", 7, false}, Dword{"-0x1", 7, false},
+                                         Dword{"00x1", 7, false}, Dword{"0x123456789", 7, false}));
 
 class StrIpToDword : public testing::TestWithParam<Dword> {};
 TEST_P(StrIpToDword, PutsTheFirstNumberInTheHighestByte) {
@@ -130,12 +131,14 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(Dword{"1.2.3.4", 0x01020304, true}, Dword{"10.1.2.3", 0x0a010203, true},
                     Dword{" 255.255.255.255 ", UINT_MAX, true}, Dword{"0.0.0.0", 0, true},
                     Dword{"300.1.1.1", 0x2c010101, true}, Dword{"1.300.257.999", 0x012c01e7, true},
-                    Dword{"001.002.003.004", 0x01020304, true}, Dword{"1.2.3", 7, false},
-                    Dword{"1.2.3.", 7, false}, Dword{"1.2.3.4x", 7, false},
-                    Dword{"1.2.3.4.5", 7, false}, Dword{"1.2.3.4 x", 7, false},
-                    Dword{"1.2.3.4567", 7, false}, Dword{"1000.2.3.4", 7, false},
-                    Dword{"a.b.c.d", 7, false}, Dword{"1,2,3,4", 7, false}, Dword{"", 7, false},
-                    Dword{nullptr, 7, false}));
+                    Dword{"001.002.003.004", 0x01020304, true},
+                    Dword{"+1. 2.\t3.+4", 0x01020304, true}, Dword{"1.-2.3.4", 0x01fe0304, true},
+                    Dword{"-1.2.3.4", 0xff020304, true}, Dword{"1 .2.3.4", 7, false},
+                    Dword{"1.2.3", 7, false}, Dword{"1.2.3.", 7, false},
+                    Dword{"1.2.3.4x", 7, false}, Dword{"1.2.3.4.5", 7, false},
+                    Dword{"1.2.3.4 x", 7, false}, Dword{"1.2.3.4567", 7, false},
+                    Dword{"1000.2.3.4", 7, false}, Dword{"a.b.c.d", 7, false},
+                    Dword{"1,2,3,4", 7, false}, Dword{"", 7, false}, Dword{nullptr, 7, false}));
 
 TEST(StrIpToDword, ReadsEveryThreeDigitNumberInEachPlace) {
     for (unsigned int number = 0; number < 1000; ++number) {
@@ -205,6 +208,10 @@ INSTANTIATE_TEST_SUITE_P(
                               "EXCEPTION - invalid a_str"},
                     Complaint{"DwordOfShortHexadecimal", [] { toDWORD("0x"); }, "toDWORD()",
                               "EXCEPTION - invalid a_str"},
+                    Complaint{"DwordOfLongHexadecimal", [] { toDWORD("0x123456789"); }, "toDWORD()",
+                              "EXCEPTION - invalid a_str"},
+                    Complaint{"DwordOfElevenDigits", [] { toDWORD("99999999999"); }, "toDWORD()",
+                              "EXCEPTION - out of range a_str"},
                     Complaint{"DwordOutOfRange", [] { toDWORD("-1"); }, "toDWORD()",
                               "EXCEPTION - out of range a_str"}),
     nameOfRow);

@@ -5,11 +5,11 @@
 #include <sys/utsname.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <set>
 #include <string>
 #include <thread>
 #include <vector>
@@ -24,6 +24,8 @@ unsigned int millisecondsNow() {
     gettimeofday(&now, nullptr);
     return static_cast<unsigned int>(now.tv_sec * 1000 + now.tv_usec / 1000);
 }
+
+const unsigned int programStart = millisecondsNow();
 
 TEST(GetTickCount, IsTheTimeOfDayInMilliseconds) {
     const unsigned int before = millisecondsNow();
@@ -46,31 +48,40 @@ std::string bytesOf(unsigned long long number, int count) {
     return text;
 }
 
+unsigned long long countOf(const std::string& id) {
+    return __builtin_bswap64(std::stoull(id.substr(18), nullptr, 16));
+}
+
 TEST(GenerateId, IsProcessIdStartTickAndCount) {
     const std::string id = textOf(SGenerateID());
     ASSERT_THAT(id, testing::MatchesRegex("[0-9a-f]{8}-[0-9a-f]{8}-[0-9a-f]{16}"));
     EXPECT_EQ(id.substr(0, 8), bytesOf(static_cast<unsigned int>(getpid()), 4));
     const std::string next = textOf(SGenerateID());
     EXPECT_EQ(next.substr(0, 18), id.substr(0, 18));
-    const auto countOf = [](const std::string& text) {
-        return __builtin_bswap64(std::stoull(text.substr(18), nullptr, 16));
-    };
     EXPECT_EQ(countOf(next), countOf(id) + 1);
 }
 
+TEST(GenerateId, NamesTheTimeOfTheFirstCall) {
+    const unsigned int now = GetTickCount();
+    const unsigned long tick = std::stoul(textOf(SGenerateID()).substr(9, 8), nullptr, 16);
+    EXPECT_LE(now - __builtin_bswap32(static_cast<unsigned int>(tick)), now - programStart);
+}
+
 TEST(GenerateId, IsNeverTheSameOnManyThreads) {
-    constexpr std::size_t kEach = 20000;
-    std::vector<std::vector<std::string>> ids(8);
+    constexpr std::size_t kEach = 125000;
+    std::vector<std::vector<unsigned long long>> counts(8);
     std::vector<std::thread> threads;
-    for (auto& mine : ids) {
+    for (auto& mine : counts) {
         threads.emplace_back([&mine] {
-            for (std::size_t i = 0; i < kEach; ++i) mine.push_back(textOf(SGenerateID()));
+            for (std::size_t i = 0; i < kEach; ++i) mine.push_back(countOf(textOf(SGenerateID())));
         });
     }
     for (std::thread& thread : threads) thread.join();
-    std::set<std::string> all;
-    for (const auto& mine : ids) all.insert(mine.begin(), mine.end());
-    EXPECT_EQ(all.size(), ids.size() * kEach);
+    std::vector<unsigned long long> all;
+    for (const auto& mine : counts) all.insert(all.end(), mine.begin(), mine.end());
+    std::sort(all.begin(), all.end());
+    EXPECT_EQ(all.size(), counts.size() * kEach);
+    EXPECT_EQ(std::adjacent_find(all.begin(), all.end()), all.end());
 }
 
 TEST(ErrorDescription, IsTheCLibrarysText) {
