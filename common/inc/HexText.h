@@ -20,7 +20,10 @@ int HexToBinReverse(const char* hex, unsigned char* out, unsigned int outSize);
 constexpr unsigned int kHexSpaced = 1;  ///< a blank behind each byte
 constexpr unsigned int kHexDump = 2;    ///< lines of 16 bytes, their characters beside them
 
-/// @return two lower-case digits for each of `len` bytes, laid out as `flags` say.
+/// @return two lower-case digits for each of `len` bytes, laid out as `flags` say. A dump has the
+/// characters 32 to 127, and "." for others, behind a column of 52; every line but the last ends
+/// both columns with the separator of eight bytes, kept on purpose. Raises `std::length_error` when
+/// no text is as long.
 CString BinToHex(const unsigned char* data, unsigned int len, unsigned int flags);
 
 /// @return each byte of `text` as "%" and two upper-case digits.

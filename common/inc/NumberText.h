@@ -9,7 +9,8 @@
 /// text is ignored, and a null text is never acceptable. Numbers that do not fit count as the
 /// nearest that do, unless said otherwise.
 
-/// @return whether `text` consists of digits and "-" alone, in any order and number: "1-2" is one.
+/// @return whether `text` consists of digits and "-" alone, in any order and number: "1-2" is one,
+/// on purpose.
 bool isNumber(const char* text);
 
 /// The number that a text begins with for which `isNumber` holds; `def` when it begins with none.
@@ -22,14 +23,16 @@ unsigned long long toUINT64(const char* text, unsigned long long def = 0, bool* 
 unsigned short toUINT16(const char* text, unsigned short def = 0, bool* ok = nullptr);
 
 /// A number of digits and "-" of up to 11 characters, or "0x" (either case) with up to 8
-/// hexadecimal digits, behind which anything may stand. One that does not fit is not acceptable.
+/// hexadecimal digits, behind which anything may stand: the prefix decides which. One that does not
+/// fit is not acceptable.
 unsigned int toDWORD(const char* text, unsigned int def = 0, bool* ok = nullptr);
 
-/// "true" or "false", in either case of ASCII letters.
+/// "true" or "false", in either case of ASCII letters. The log knows a failure that is none of the
+/// text's by the name of `toInt`; kept on purpose.
 bool toBool(const char* text, bool def = false);
 
 /// An address of four numbers of up to three digits, the first in the highest byte. Only the low
-/// byte of each number counts.
+/// byte of each number counts. Numbers may have white space and a sign in front, as for "%3u".
 unsigned int strIPtoDWORD(const char* text, unsigned int def = 0, bool* ok = nullptr);
 
 /// @return the address with the lowest byte first: the inverse of `strIPtoDWORD` for addresses that

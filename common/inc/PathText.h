@@ -12,11 +12,12 @@
 bool ParseFullPath(const char* path, CString& dir, CString& name);
 
 /// @return the name, or the folder, of `path` as `ParseFullPath` gives it. When that fails, the
-/// result is `def`, or a `UException` when that is null.
+/// result is `def`, or a `UException` when that is null, which names the first of the two; kept on
+/// purpose.
 CString SGetFileName(const char* path, const char* def);
 CString SGetFilePath(const char* path, const char* def);
 
-/// @return whether the last character is a separator.
+/// @return whether the last character is a separator. The name is spelled so on purpose.
 bool hasTralingSlash(const char* path);
 
 /// @return `path` without one last separator.

@@ -10,9 +10,9 @@ unsigned int GetTickCount();
 /// @return the id of this process.
 unsigned int GetCurrentProcessId();
 
-/// @return a text that no other call returns, here or in another process of this machine: process
+/// @return a text that no other call returns, here or in another program of this machine: process
 /// id, time of the process's first call and a count, as hexadecimal bytes in memory order joined by
-/// "-".
+/// "-". A process forked after the first call goes on with its parent's.
 CString SGenerateID();
 
 /// @return the C library's text for the error number `err`.

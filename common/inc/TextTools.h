@@ -36,6 +36,7 @@ CString SReplace(const CString& s, const char* oldText, const char* newText);
 CString SReplace(const CString& s, char oldChar, char newChar);
 
 /// Replaces occurrences of `oldText` in place. After each, the search goes on behind as many
-/// characters of the new text as `oldText` has, so a shorter `newText` hides what directly follows.
+/// characters of the new text as `oldText` has, so a shorter `newText` hides what directly follows;
+/// kept on purpose. An empty `oldText` occurs nowhere.
 /// @return 0; or 4294967295, with `text` unchanged, when the result would be longer than `text`.
 unsigned int wcsreplace(wchar_t* text, const wchar_t* oldText, const wchar_t* newText);

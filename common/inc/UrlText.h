@@ -24,7 +24,8 @@ constexpr unsigned int kSchemeOther = ~0u;
 
 /// Takes a URL to pieces. White space around it, the case of its scheme and user information are
 /// ignored; an IPv6 host stays in its brackets. The port is the scheme's own (0 if none is known)
-/// unless stated; the path begins with "/". In a file URL every "/" of host and path becomes "\\".
+/// unless stated: one that does not fit counts as the nearest that does, one that is no number as
+/// 0. The path begins with "/". In a file URL every "/" of host and path becomes "\\".
 /// @param allowOtherSchemes take whatever stands before "://" as a scheme.
 /// @return false, with nothing stored, when the scheme is not accepted.
 bool ParseURL_BASIC(const char* url, unsigned int& scheme, CString& host, CString& path,

@@ -3,9 +3,8 @@
 #include <bitset>
 #include <optional>
 
-/// The set of a conversion "%[...]" of the C library's `sscanf`: a leading "^" negates it, a
-/// leading
-/// "]" is a member, and "a-z" is a range unless it runs downwards. Stateless once made.
+/// The set of a conversion "%[...]" of the C library's `sscanf`: a "^" in front negates it, a "]"
+/// in front is a member, and "a-z" is a range unless it runs downwards. Stateless once made.
 class ScanSet {
   public:
     /// @return the set that `text` spells from "[" to "]"; nothing when it is anything else.
