@@ -5,6 +5,7 @@
 #include <array>
 #include <atomic>
 #include <cerrno>
+#include <utility>
 
 namespace {
 
@@ -20,6 +21,7 @@ thread_local std::array<Failure, kCalls> failures;
 thread_local std::vector<timespec> deadlines;
 thread_local std::vector<timespec> restsAskedFor;
 thread_local timespec leftOver;
+thread_local std::function<void()> actionInWait;
 thread_local std::vector<timeval> timesToTell;
 thread_local std::vector<PosixCall>* recorded = nullptr;
 
@@ -82,6 +84,8 @@ const std::vector<timespec>& waitDeadlines() { return deadlines; }
 
 const std::vector<timespec>& rests() { return restsAskedFor; }
 
+void inTheNextWait(std::function<void()> action) { actionInWait = std::move(action); }
+
 void leaveOver(timespec rest) { leftOver = rest; }
 
 void tellTimes(const std::vector<timeval>& times) { timesToTell = times; }
@@ -130,6 +134,11 @@ REAL(pthread_cond_wait, pthread_cond_t* c, pthread_mutex_t* m) {
 }
 REAL(pthread_cond_timedwait, pthread_cond_t* c, pthread_mutex_t* m, const timespec* t) {
     deadlines.push_back(*t);
+    if (const auto action = std::exchange(actionInWait, nullptr)) {
+        __real_pthread_mutex_unlock(m);
+        action();
+        __real_pthread_mutex_lock(m);
+    }
     return attempt(PosixCall::condTimedwait,
                    [=] { return __real_pthread_cond_timedwait(c, m, t); });
 }

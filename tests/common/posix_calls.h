@@ -49,6 +49,9 @@ void awaitCount(PosixCall call, int count);
 /// The deadlines of this thread's timed waits for conditions.
 const std::vector<timespec>& waitDeadlines();
 
+/// What happens in the next timed wait of this thread before the wait itself, with the lock free.
+void inTheNextWait(std::function<void()> action);
+
 /// The rests that this thread asked for, and what an interrupted rest leaves over.
 const std::vector<timespec>& rests();
 void leaveOver(timespec rest);

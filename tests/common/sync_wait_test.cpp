@@ -166,6 +166,13 @@ TEST(Deadline, IsTheTimeOfDayAndTheTimeout) {
     }
 }
 
+TEST_P(Event, SignalledAsTheTimeRanOutIsSignalled) {
+    UEvent event(GetParam(), false);
+    inTheNextWait([&] { event.set(); });
+    failPosixCall(PosixCall::condTimedwait, ETIMEDOUT);
+    EXPECT_EQ(event.wait(1000), kWaitAcquired);
+}
+
 struct Sum {
     const char* rule;
     timeval now;
@@ -289,6 +296,24 @@ TEST(Semaphore, GoesOnWaitingAfterASpuriousWakeUp) {
     failPosixCall(PosixCall::condTimedwait, EINVAL, 3);
     EXPECT_EQ(semaphore.Acquire(1), kWaitTimedOut);
     EXPECT_GT(countOf(PosixCall::condTimedwait), 3);
+}
+
+TEST(Semaphore, ReleasedAsTheTimeRanOutIsTaken) {
+    resetPosixCalls();
+    USemaphore semaphore(0, 1);
+    inTheNextWait([&] { semaphore.Release(); });
+    failPosixCall(PosixCall::condTimedwait, ETIMEDOUT);
+    EXPECT_EQ(semaphore.Acquire(1000), kWaitAcquired);
+    EXPECT_EQ(semaphore.Acquire(0), kWaitTimedOut);
+}
+
+TEST(Semaphore, SignalsAWaitEvenWhenAReleaseIsLost) {
+    resetPosixCalls();
+    USemaphore semaphore(0, 0);
+    inTheNextWait([&] { semaphore.Release(); });
+    failPosixCall(PosixCall::condTimedwait, ETIMEDOUT);
+    EXPECT_EQ(semaphore.Acquire(1000), kWaitTimedOut);
+    EXPECT_EQ(countOf(PosixCall::condSignal), 1);
 }
 
 // A signal every millisecond while it lives.
