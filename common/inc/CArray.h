@@ -12,6 +12,7 @@ class CArray;
 template <>
 class CArray<unsigned char, unsigned char> {
   public:
+    /// No bytes, automatic steps.
     CArray() = default;
     ~CArray() { delete[] m_pData; }
     CArray(const CArray&) = delete;
@@ -42,5 +43,5 @@ class CArray<unsigned char, unsigned char> {
     int m_nGrowBy = 0;   ///< 0: automatic
 
   private:
-    int grownSize(int newSize) const;
+    int grownSize(int newSize, int growBy) const;
 };

@@ -3,12 +3,14 @@
 #include <algorithm>
 #include <climits>
 #include <cstddef>
+#include <new>
 #include <random>
 #include <stdexcept>
 #include <vector>
 
 #include "CArray.h"
 #include "CPlex.h"
+#include "failing_memory.h"
 
 namespace {
 
@@ -135,6 +137,34 @@ TEST(ByteArray, SetAtGrowRefusesTheLastIndexOfAll) {
     EXPECT_EQ(array.GetSize(), 0);
 }
 
+TEST(ByteArray, WithoutMemoryRaisesAndStaysAsItIs) {
+    OpenArray array;
+    array.SetSize(3, 5);
+    array.SetAtGrow(1, 'b');
+    const unsigned char* const data = array.GetData();
+    const auto raises = [](auto operation) {
+        const FailingAllocation failing(1);
+        EXPECT_THROW(operation(), std::bad_alloc);
+    };
+    raises([&] { array.SetSize(100, 7); });
+    raises([&] { array.SetAtGrow(3, 'x'); });
+    raises([&] { array.Add('x'); });
+    EXPECT_EQ(array.GetData(), data);
+    EXPECT_THAT(array.bytes(), ElementsAre(0, 'b', 0));
+    EXPECT_EQ(array.m_nMaxSize, 3);
+    EXPECT_EQ(array.m_nGrowBy, 5);
+}
+
+TEST(ByteArray, WithoutMemoryStaysEmpty) {
+    OpenArray array;
+    const FailingAllocation failing(1);
+    EXPECT_THROW(array.SetSize(1, 9), std::bad_alloc);
+    EXPECT_EQ(array.m_pData, nullptr);
+    EXPECT_EQ(array.m_nSize, 0);
+    EXPECT_EQ(array.m_nMaxSize, 0);
+    EXPECT_EQ(array.m_nGrowBy, 0);
+}
+
 TEST(ByteArray, BehavesLikeAVector) {
     std::mt19937 random(71);
     OpenArray array;
@@ -183,6 +213,18 @@ TEST(BlockChain, StorageHoldsTheElementsAskedFor) {
         void* const data = CPlex::Create(head, count, 24)->data();
         std::fill_n(static_cast<unsigned char*>(data), count * 24, static_cast<unsigned char>(1));
     }
+    head->FreeDataChain();
+}
+
+TEST(BlockChain, WithoutMemoryRaisesAndLeavesTheHead) {
+    CPlex* head = nullptr;
+    CPlex* const block = CPlex::Create(head, 1, 8);
+    {
+        const FailingAllocation failing(1);
+        EXPECT_THROW(CPlex::Create(head, 1, 8), std::bad_alloc);
+    }
+    EXPECT_EQ(head, block);
+    EXPECT_EQ(block->pNext, nullptr);
     head->FreeDataChain();
 }
 

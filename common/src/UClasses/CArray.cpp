@@ -19,23 +19,22 @@ void zero(unsigned char* data, int from, int to) {
 
 using ByteArray = CArray<unsigned char, unsigned char>;
 
-int ByteArray::grownSize(int newSize) const {
-    const int step =
-        m_nGrowBy != 0 ? m_nGrowBy : std::clamp(m_nSize / 8, kSmallestStep, kLargestStep);
+int ByteArray::grownSize(int newSize, int growBy) const {
+    const int step = growBy != 0 ? growBy : std::clamp(m_nSize / 8, kSmallestStep, kLargestStep);
     const long long stepped = static_cast<long long>(m_nMaxSize) + step;
     return static_cast<int>(std::clamp<long long>(stepped, newSize, INT_MAX));
 }
 
 void ByteArray::SetSize(int newSize, int growBy) {
-    if (growBy != -1) m_nGrowBy = growBy;
     if (newSize <= 0) {
         delete[] m_pData;
         m_pData = nullptr;
         m_nSize = m_nMaxSize = m_nGrowBy = 0;
         return;
     }
+    if (growBy == -1) growBy = m_nGrowBy;
     if (newSize > m_nMaxSize) {
-        const int newMaxSize = m_pData == nullptr ? newSize : grownSize(newSize);
+        const int newMaxSize = m_pData == nullptr ? newSize : grownSize(newSize, growBy);
         auto* const newData = new unsigned char[static_cast<std::size_t>(newMaxSize)];
         if (m_nSize > 0) std::memcpy(newData, m_pData, static_cast<std::size_t>(m_nSize));
         delete[] m_pData;
@@ -44,6 +43,7 @@ void ByteArray::SetSize(int newSize, int growBy) {
     }
     zero(m_pData, m_nSize, newSize);
     m_nSize = newSize;
+    m_nGrowBy = growBy;
 }
 
 void ByteArray::SetAtGrow(int index, unsigned char value) {
