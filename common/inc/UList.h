@@ -48,16 +48,31 @@ class UList : public UObject {
     /// Deletes every object, in order, and forgets all entries; locked.
     void deleteObjects();
 
-    /// Holds `lock`, and keeps changes out, while it asks `matches` of one object after the other.
-    /// @return the index of the first that matches, or -1.
+    /// Holds `lock`, and keeps changes out, while it asks `matches` of one object after the other;
+    /// of null, too, where that was added. @return the index of the first that matches, or -1.
     template <class Matches>
-    int findObject(Matches matches) {
+    int findObject(Matches matches) const {
         const UAutoSync callers(m_lock);
         const UAutoSync changes(m_sync);
         for (int i = 0; i < m_count; ++i) {
             if (matches(getObject(i))) return i;
         }
         return -1;
+    }
+
+    /// Removes the first object that `matches`, sought as by `findObject`, before anything else
+    /// can change the list, and deletes it. @return as `removeObject`.
+    template <class Matches>
+    int deleteFirst(Matches matches) {
+        UObject* object = nullptr;
+        int result = 0;
+        {
+            const UAutoSync callers(m_lock);
+            const UAutoSync changes(m_sync);
+            result = takeObject(findObject(matches), object);
+        }
+        delete object;
+        return result;
     }
 
     /// For callers that read several entries; see above.
@@ -70,8 +85,8 @@ class UList : public UObject {
     void append(UObject* object);
     int takeObject(int index, UObject*& object);
 
-    UCriticalSection m_lock;
-    UCriticalSection m_sync;
+    mutable UCriticalSection m_lock;
+    mutable UCriticalSection m_sync;
     int m_count = 0;
     AutoMemory m_Objects;
 };

@@ -2,8 +2,8 @@
 
 #include "CString.h"
 
-/// The common base of the library's classes: an error number and two error texts that the class
-/// derived from it fills. An object belongs to one thread at a time unless its class says
+/// The common base of the library's classes: an error number and two error texts, for the class
+/// derived from it to fill. An object belongs to one thread at a time unless its class says
 /// otherwise.
 class UObject {
   public:
@@ -22,5 +22,6 @@ class UObject {
 
     int m_errorCode = 0;
     CString m_errorText;
+    /// Where the error comes from. Empty at first; `resetError` leaves it alone.
     CString m_errorSource;
 };

@@ -6,6 +6,7 @@
 /// A pair of a `UStringList`.
 class UStringListItem : public UObject {
   public:
+    /// Copies both texts. Raises what `CString` raises.
     UStringListItem(const char* name, const char* value) : m_name(name), m_value(value) {}
 
     /// @return the name for a `which` of 0, otherwise the value.
@@ -38,8 +39,9 @@ class UStringList : public UObject {
 
     /// @return the index of the first pair whose name (for a `which` below 1) or value contains
     /// `text`, or -1.
-    int findItem(CString text, int which);
+    int findItem(CString text, int which) const;
 
+    /// As those of `UList`.
     void lock() { m_items.lock(); }
     void unlock() { m_items.unlock(); }
 

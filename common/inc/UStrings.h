@@ -8,7 +8,7 @@ class UStringsItem : public UObject {
     /// A copy of `text`; no text for null or "".
     explicit UStringsItem(const char* text);
     /// A copy of `length` bytes; no text for null or no bytes.
-    UStringsItem(const char* text, unsigned int length);
+    UStringsItem(const char* text, std::size_t length);
     ~UStringsItem() override { delete[] m_text; }
     UStringsItem(const UStringsItem&) = delete;
     UStringsItem& operator=(const UStringsItem&) = delete;
@@ -33,6 +33,7 @@ class UStrings : public UObject {
     static constexpr unsigned int kKeepDelimiters = 1;  ///< each one is an item, too
     static constexpr unsigned int kTrimItems = 2;       ///< of blanks
 
+    /// No items; `toString` puts nothing between those that are added.
     UStrings() = default;
     /// As `Create`.
     UStrings(const char* text, char delimiter, unsigned int flags);
@@ -44,13 +45,16 @@ class UStrings : public UObject {
     void Create(const char* text, char delimiter, unsigned int flags);
 
     /// Replaces all items by the pieces of `text` between delimiters, without the empty ones; a
-    /// piece of blanks alone becomes an empty item when trimmed. `text` must not be an item's own.
+    /// piece of blanks alone becomes an empty item when trimmed. A NUL delimits nothing, and null
+    /// has no pieces. A piece for which there is no memory is left out. `text` must not be an
+    /// item's own.
     void fromString(const char* text, char delimiter, unsigned int flags);
 
-    /// @return all items, with the stored delimiter between them.
+    /// @return all items, with the stored delimiter between them; it is that of construction or
+    /// `Create`, whatever `fromString` has split by. Raises what `CString` raises.
     CString toString() const;
 
-    /// Appends a copy of `text`, or of `length` bytes. @return 0, or -1.
+    /// Appends a copy of `text`, or of `length` bytes; null is an empty item. @return 0, or -1.
     int addItem(const char* text);
     int addItem(const char* text, unsigned int length);
 
@@ -66,10 +70,11 @@ class UStrings : public UObject {
     /// Deletes all items.
     void clear() { m_items.deleteObjects(); }
 
-    /// @return the index of the first item that `text` begins with, or -1. An empty item is the
-    /// beginning of every text.
+    /// @return the index of the first item that `text` begins with, on purpose not of the one that
+    /// equals it, or -1, also for null. An empty item is the beginning of every text.
     int find(const char* text) const;
 
+    /// As those of `UList`.
     void lock() { m_items.lock(); }
     void unlock() { m_items.unlock(); }
 

@@ -146,6 +146,27 @@ TEST(List, DeletesOneObject) {
     EXPECT_EQ(gone, "ab");
 }
 
+TEST(List, DeletesTheFirstThatMatches) {
+    std::string gone;
+    UList list;
+    list.addObject(nullptr);
+    list.addObject(new Named("a", gone));
+    list.addObject(new Named("b", gone));
+    const auto isThere = [](const UObject* object) { return object != nullptr; };
+    EXPECT_EQ(list.deleteFirst(isThere), 2);
+    EXPECT_EQ(gone, "a");
+    EXPECT_EQ(list.deleteFirst([](const UObject* object) { return object == nullptr; }), 1);
+    EXPECT_EQ(list.deleteFirst(isThere), 0);
+    EXPECT_EQ(gone, "ab");
+    EXPECT_EQ(list.deleteFirst(isThere), 0);
+}
+
+TEST(List, DeletingWhatMatchesNothingGivesZeroAndChangesNothing) {
+    Objects objects;
+    EXPECT_EQ(objects.list().deleteFirst([](const UObject*) { return false; }), 0);
+    EXPECT_EQ(objects.held(), "0123");
+}
+
 TEST(List, ADestructorMayComeBackToTheList) {
     struct Returning : UObject {
         explicit Returning(UList& owner) : list(owner) {}
@@ -175,8 +196,7 @@ TEST(List, ACallersLockKeepsNoChangeOut) {
     objects.list().unlock();
 }
 
-TEST(List, HoldsExactlyItsPointers) {
-    // The members in front of the memory: see the header.
+TEST(List, HasTwoLocksACountAndItsMemory) {
     struct Layout : UList {
         static std::size_t expected() {
             return sizeof(UObject) + 2 * sizeof(UCriticalSection) + 8 + sizeof(AutoMemory);
@@ -203,6 +223,27 @@ TEST(List, AFailedAddIsLoggedAndChangesNothing) {
     EXPECT_EQ(withoutLine(log.items()[2]),
               "1, /UClasses, LINE, , EXCEPTION caught: UList::addObject - EXCEPTION\n");
     EXPECT_EQ(objects.list().addObject(&object), 5);
+}
+
+// The size of the memory that a list asks for when it adds an entry.
+std::string memoryForOneMore(UList& list) {
+    const RecordLog log;
+    const FailingAllocation failing(1);
+    EXPECT_EQ(list.addObject(nullptr), -1);
+    const std::string& record = log.items().at(0);
+    return record.substr(record.rfind(' ') + 1);
+}
+
+// Every size that is asked for is one pointer more than the size there is.
+TEST(List, HoldsExactlyItsPointers) {
+    Objects objects;
+    EXPECT_EQ(memoryForOneMore(objects.list()), std::to_string(5 * sizeof(UObject*)) + "\n");
+    objects.list().removeObject(1);
+    EXPECT_EQ(memoryForOneMore(objects.list()), std::to_string(4 * sizeof(UObject*)) + "\n");
+    objects.list().removeObject2(2);
+    EXPECT_EQ(memoryForOneMore(objects.list()), std::to_string(3 * sizeof(UObject*)) + "\n");
+    objects.list().emptyList();
+    EXPECT_EQ(memoryForOneMore(objects.list()), std::to_string(sizeof(UObject*)) + "\n");
 }
 
 TEST(List, RemovingNeedsNoMemory) {

@@ -87,6 +87,18 @@ TEST(ListThreads, BlobsAreAddedRemovedAndFound) {
     });
 }
 
+TEST(ListThreads, EachNameIsRemovedWithItsOwnBlob) {
+    UBlobList list;
+    onThreads(4, [&](int thread) {
+        const std::string name = "name" + std::to_string(thread);
+        for (int i = 0; i < kSteps; ++i) {
+            ASSERT_TRUE(list.addItem(name.c_str(), "value", 5));
+            list.removeItem(name.c_str());
+        }
+    });
+    EXPECT_EQ(list.getItem(0, nullptr), nullptr);
+}
+
 TEST(ListThreads, CallersThatAgreeOnTheLockReadSeveralItems) {
     UStrings strings;
     onThreads(4, [&](int thread) {

@@ -1,15 +1,30 @@
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <climits>
+#include <future>
 #include <string>
 
 #include "UBlobList.h"
 #include "UStringList.h"
 #include "failing_memory.h"
-#include "on_threads.h"
 #include "record_log.h"
 
 namespace {
+
+// An operation that another thread has begun, and that must not end yet.
+template <class Operation>
+std::future<int> startedAndWaiting(Operation operation) {
+    std::promise<void> begun;
+    auto result = std::async(std::launch::async, [&begun, operation] {
+        begun.set_value();
+        return operation();
+    });
+    begun.get_future().wait();
+    // Nothing tells that a thread waits for a lock: one that does not would be done by then.
+    EXPECT_EQ(result.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
+    return result;
+}
 
 void fill(UStringList& list) {
     list.addItem("alpha", "one");
@@ -79,12 +94,10 @@ TEST(StringList, FindingWaitsForACallersLock) {
     UStringList list;
     fill(list);
     list.lock();
-    int found = -2;
-    std::thread finding([&] { found = list.findItem("beta", 0); });
+    auto finding = startedAndWaiting([&] { return list.findItem("beta", 0); });
     list.removeItem(0);
     list.unlock();
-    finding.join();
-    EXPECT_EQ(found, 0);
+    EXPECT_EQ(finding.get(), 0);
 }
 
 TEST(StringList, WithoutMemoryAnItemIsNotAddedAndThatIsLogged) {
@@ -164,6 +177,15 @@ TEST(BlobList, GivesDataAndSizeByIndexAndName) {
     EXPECT_EQ(blobOf(list, 2), "333");
 }
 
+TEST(BlobList, TakesZeroForAnIndex) {
+    UBlobList list;
+    fill(list);
+    unsigned int size = 99;
+    EXPECT_NE(list.getItem(0, &size), nullptr);
+    EXPECT_EQ(size, 1u);
+    EXPECT_EQ(list.removeItem(0), 3);
+}
+
 TEST(BlobList, GivesNullAndNoSizeForWhatIsNotThere) {
     UBlobList list;
     fill(list);
@@ -183,6 +205,22 @@ TEST(BlobList, RemovesByIndexAndName) {
     EXPECT_EQ(list.removeItem("gamma"), 0);
     EXPECT_EQ(list.removeItem(7), 0);
     EXPECT_EQ(blobOf(list, 0), "333");
+}
+
+TEST(BlobList, FindingAndRemovingByNameWaitForACallersLock) {
+    UBlobList list;
+    fill(list);
+    list.lock();
+    auto finding = startedAndWaiting([&] { return list.findItem("beta"); });
+    list.removeItem(0);
+    list.unlock();
+    EXPECT_EQ(finding.get(), 0);
+    list.lock();
+    auto removing = startedAndWaiting([&] { return list.removeItem("beta"); });
+    list.removeItem(0);
+    list.unlock();
+    EXPECT_EQ(removing.get(), 1);
+    EXPECT_EQ(list.findItem(""), 0);
 }
 
 TEST(BlobList, RefusesMoreBytesThanAnArrayHolds) {

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <new>
 #include <string>
 #include <utility>
 #include <vector>
@@ -172,14 +173,22 @@ TEST(Strings, WithoutMemoryAnItemIsNotAddedAndThatIsLogged) {
     }
 }
 
-TEST(Strings, WithoutMemorySplittingLeavesOnePieceOut) {
+TEST(Strings, WithoutMemorySplittingLeavesOnePieceOutAndThatIsLogged) {
     for (int n = 1; n <= 9; ++n) {
         UStrings strings;
+        const RecordLog log;
         const FailingAllocation failing(n);
         strings.fromString("a,b,c", ',', 0);
         EXPECT_TRUE(failing.happened()) << n;
         EXPECT_EQ(strings.getCount(), 2) << n;
+        EXPECT_FALSE(log.items().empty()) << n;
     }
+}
+
+TEST(Strings, WithoutMemoryJoiningRaises) {
+    const UStrings strings("a,b", ',', 0);
+    const FailingAllocation failing(1);
+    EXPECT_THROW(static_cast<void>(strings.toString()), std::bad_alloc);
 }
 
 TEST(Strings, ManyPiecesAreSplitAndJoined) {

@@ -7,6 +7,17 @@
 
 #include "OwnedItems.h"
 
+namespace {
+
+// Whether an item of the list has exactly this name.
+auto hasName(const char* name) {
+    return [name](const UObject* object) {
+        return static_cast<const UBlobListItem*>(object)->name() == name;
+    };
+}
+
+}  // namespace
+
 UBlobListItem::UBlobListItem(const char* name, const void* data, unsigned int size) : m_name(name) {
     if (data == nullptr || size == 0) return;
     if (size > INT_MAX) throw std::length_error("blob is longer than 2 GiB");
@@ -24,11 +35,9 @@ bool UBlobList::addItem(const char* name, CArray<unsigned char, unsigned char>* 
     return addItem(name, data->GetData(), static_cast<unsigned int>(data->GetSize()));
 }
 
-int UBlobList::findItem(const char* name) {
-    return m_items.findObject([name](const UObject* object) {
-        return static_cast<const UBlobListItem*>(object)->name() == name;
-    });
-}
+int UBlobList::findItem(const char* name) const { return m_items.findObject(hasName(name)); }
+
+int UBlobList::removeItem(const char* name) { return m_items.deleteFirst(hasName(name)); }
 
 const unsigned char* UBlobList::getItem(int index, unsigned int* size) const {
     const auto* const item = static_cast<const UBlobListItem*>(m_items.getObject(index));
@@ -37,6 +46,6 @@ const unsigned char* UBlobList::getItem(int index, unsigned int* size) const {
     return item->data();
 }
 
-const unsigned char* UBlobList::getItem(const char* name, unsigned int* size) {
+const unsigned char* UBlobList::getItem(const char* name, unsigned int* size) const {
     return getItem(findItem(name), size);
 }

@@ -14,7 +14,7 @@ const char* UStringList::getItem(int index, int which) const {
     return item != nullptr ? static_cast<const char*>(item->text(which)) : nullptr;
 }
 
-int UStringList::findItem(CString text, int which) {
+int UStringList::findItem(CString text, int which) const {
     const int field = which < 1 ? 0 : 1;
     return m_items.findObject([&](const UObject* object) {
         return static_cast<const UStringListItem*>(object)->text(field).Find(text) >= 0;

@@ -8,11 +8,11 @@
 #include "OwnedItems.h"
 
 UStringsItem::UStringsItem(const char* text)
-    : UStringsItem(text, text != nullptr ? static_cast<unsigned int>(std::strlen(text)) : 0) {}
+    : UStringsItem(text, text != nullptr ? std::strlen(text) : 0) {}
 
-UStringsItem::UStringsItem(const char* text, unsigned int length) {
+UStringsItem::UStringsItem(const char* text, std::size_t length) {
     if (text == nullptr || length == 0) return;
-    m_text = new char[std::size_t{length} + 1];
+    m_text = new char[length + 1];
     std::memcpy(m_text, text, length);
     m_text[length] = '\0';
 }
@@ -56,7 +56,7 @@ void UStrings::fromString(const char* text, char delimiter, unsigned int flags) 
 void UStrings::addPiece(const char* text, std::size_t length, unsigned int flags) {
     if (length == 0) return;
     addOwned(m_items, "UStrings::fromString - EXCEPTION", [&] {
-        auto item = std::make_unique<UStringsItem>(text, static_cast<unsigned int>(length));
+        auto item = std::make_unique<UStringsItem>(text, length);
         if ((flags & kTrimItems) != 0) item->trim();
         return item;
     });
