@@ -26,7 +26,8 @@ class IUErrorLog {
     virtual int Close() = 0;
 
     /// Formats with printf rules, cut to 5119 characters, and writes with priority 0 at any level.
-    /// A null format writes a fixed complaint instead. @return what `WriteErrorStr` returns.
+    /// A null format writes a fixed complaint instead; a text that the C library cannot format is
+    /// empty. @return what `WriteErrorStr` returns.
     virtual int WriteLog(const char* format, ...) __attribute__((format(printf, 2, 3)));
 
     /// As above with a priority; writes nothing and returns 0 when `priority` is above the level.

@@ -169,6 +169,14 @@ TEST_F(LogInterface, FormattedTextOf5119CharactersIsWhole) {
     EXPECT_THAT(log.items, ElementsAre("0,,,, " + text));
 }
 
+// In the "C" locale no wide character beyond ASCII has a form.
+TEST_F(LogInterface, TextThatCannotBeFormattedIsEmpty) {
+    const wchar_t noText[] = {static_cast<wchar_t>(0x10FFFF), L'\0'};
+    log.WriteLog("text %ls\n", noText);
+    log.WriteLog(1, "text %ls\n", noText);
+    EXPECT_THAT(log.items, ElementsAre("0,,,, ", "1,,,, "));
+}
+
 TEST_F(LogInterface, UnformattedTextIsNeverCut) {
     for (const std::size_t length : {0U, 999U, 1000U, 1001U, 5120U, 1U << 20}) {
         log.items.clear();

@@ -3,35 +3,23 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <functional>
 #include <new>
 #include <string>
 
 #include "AutoMemory.h"
+#include "ErrorLogLevels.h"
 #include "LogRecord.h"
 #include "StrFormat.h"
 #include "UGuarded.h"
+#include "UOutputErrorLog.h"
 #include "URaise.h"
 #include "failing_memory.h"
 #include "record_log.h"
 #include "text_of.h"
 
 namespace {
-
-// Runs `operation` with its first allocation failing, then its second, until none fails; `check` is
-// called after each, with whether one failed.
-void failingEach(const std::function<void()>& operation, const std::function<void(bool)>& check) {
-    for (int n = 1;; ++n) {
-        bool failed = false;
-        {
-            const FailingAllocation failing(n);
-            operation();
-            failed = failing.happened();
-        }
-        check(failed);
-        if (!failed || testing::Test::HasFailure()) return;
-    }
-}
 
 struct TextOperation {
     const char* name;
@@ -218,6 +206,38 @@ TEST(AutoMemoryAssignment, WithoutMemoryLeavesTheTargetEmpty) {
     EXPECT_THROW(target = source, UException);
     EXPECT_EQ(target.getPtr(), nullptr);
     EXPECT_EQ(target.getSize(), 0U);
+}
+
+// Items that are longer than the room that needs no memory.
+TEST(LogItems, WithoutMemoryAreLostAndTheWriterIsTold) {
+    RecordLog log;
+    const std::string text(3000, 'x');
+    const auto withoutMemory = [&](auto write) {
+        const FailingAllocation failing(1);
+        const int result = write();
+        EXPECT_TRUE(failing.happened());
+        EXPECT_EQ(result, -1);
+    };
+    withoutMemory([&] { return log.WriteErrorStr(text.c_str()); });
+    withoutMemory([&] { return log.WriteLogStr(text.c_str()); });
+    withoutMemory([&] { return log.WriteLogStr(5, text.c_str()); });
+    withoutMemory([&] { return log.WriteLog("%s", text.c_str()); });
+    withoutMemory([&] {
+        ERRORLOGLEVEL0("%s", text.c_str());
+        return -1;
+    });
+    EXPECT_TRUE(log.items().empty());
+}
+
+TEST(LogItems, WithoutMemoryAreLostOnStandardOutputAndNobodyIsTold) {
+    UOutputErrorLog log;
+    int attempts = 0;
+    testing::internal::CaptureStdout();
+    failingEach([&] { EXPECT_EQ(log.WriteLogItem("text"), 0); }, [&](bool) { ++attempts; });
+    std::fflush(stdout);
+    const std::string output = testing::internal::GetCapturedStdout();
+    EXPECT_GT(attempts, 1);
+    EXPECT_EQ(output.find("text"), output.size() - sizeof "text\r\n") << output;
 }
 
 TEST(CreateStringWide, WithoutMemoryRaisesWhatItsBufferRaises) {
