@@ -8,8 +8,9 @@
 /// refused. Lines are read in pieces of up to 255 characters, each tested as a line of its own.
 ///
 /// Every call reads the file afresh, so a change by hand takes effect at the next one. Nothing
-/// reports an error: what cannot be read has its default. Any thread may call, and several
-/// processes do, without a lock: writers may interleave.
+/// reports an error or raises: what cannot be read, be it for lack of memory, has its default, and
+/// what cannot be written stays as it is. Any thread may call, and several processes do, without a
+/// lock: writers may interleave.
 class ULogSettings {
   public:
     ULogSettings() = delete;
@@ -27,9 +28,10 @@ class ULogSettings {
     /// leaves over stays behind it, and a longer new one covers the start of the next line. A file
     /// without such a line gets one at its end; a missing file is made from a template. The file's
     /// mode becomes 0600. Does nothing when the process runs as root: the file is the user's.
+    /// `reserved` is ignored.
     static void setLogLevel(unsigned int level, unsigned int reserved);
 
-    /// Sets the default level, whatever the module.
+    /// As `setLogLevel`: sets the default level of all modules, whatever `module` is.
     static void setModuleLogLevel(const char* module, unsigned int level);
 
     /// @return the size in bytes on the first "log_file_size" line, which stands behind one

@@ -5,8 +5,9 @@
 /// The user's folders for settings and logs, and who owns what is made in them.
 ///
 /// A process that runs as root on a user's behalf still hands the user what it makes. Nothing here
-/// reports an error: a folder that cannot be made shows when a file in it does not open. All
-/// functions work from what is on disk at the moment of the call; any thread may call them.
+/// reports an error: a folder that cannot be made shows when a file in it does not open. Functions
+/// that return a path raise `std::bad_alloc` when there is no memory for it, the others nothing.
+/// All work from what is on disk at the moment of the call; any thread may call them.
 
 /// @return the value of HOME when that is set, be it empty; else the home folder that the password
 /// database has for the real user id; else the empty text.

@@ -6,7 +6,9 @@
 #include <array>
 #include <cstdio>
 #include <cstring>
+#include <exception>
 #include <memory>
+#include <new>
 
 #include "CString.h"
 #include "ScanNumber.h"
@@ -65,8 +67,10 @@ File openFile(const CString& path, int flags, const char* mode) {
     const int descriptor = open(path, flags | O_NONBLOCK | O_CLOEXEC, 0600);
     if (descriptor < 0) return nullptr;
     File file(fdopen(descriptor, mode));
-    if (!file) close(descriptor);
-    return file;
+    if (file) return file;
+    close(descriptor);
+    // The file is there: it must not be taken for a missing one, and made anew.
+    throw std::bad_alloc();
 }
 
 File openForReading() { return openFile(settingsPath(false), O_RDONLY, "r"); }
@@ -116,7 +120,7 @@ void replaceDefaultLevel(std::FILE* file, int level) {
 
 }  // namespace
 
-unsigned int ULogSettings::getLogLevel() {
+unsigned int ULogSettings::getLogLevel() try {
     const File file = openForReading();
     if (!file) {
         setLogLevel(kHighestLevel, 0);
@@ -128,9 +132,11 @@ unsigned int ULogSettings::getLogLevel() {
         }
     }
     return kHighestLevel;
+} catch (const std::exception&) {
+    return kHighestLevel;
 }
 
-unsigned int ULogSettings::getModuleLogLevel(const char* module) {
+unsigned int ULogSettings::getModuleLogLevel(const char* module) try {
     const File file = openForReading();
     if (!file) {
         setModuleLogLevel(module, kHighestLevel);
@@ -148,9 +154,11 @@ unsigned int ULogSettings::getModuleLogLevel(const char* module) {
         }
     }
     return moduleLevel != kNoLevel ? moduleLevel : defaultLevel;
+} catch (const std::exception&) {
+    return kHighestLevel;
 }
 
-void ULogSettings::setLogLevel(unsigned int level, unsigned int /*reserved*/) {
+void ULogSettings::setLogLevel(unsigned int level, unsigned int /*reserved*/) try {
     if (geteuid() == 0) return;
     const CString path = settingsPath(true);
     const int printed = static_cast<int>(level);
@@ -160,13 +168,16 @@ void ULogSettings::setLogLevel(unsigned int level, unsigned int /*reserved*/) {
         std::fprintf(made.get(), kTemplate, printed);
     }
     setFilePermission(path);
+} catch (const std::exception&) {
+    // No memory: the settings stay as they are.
 }
 
+// The default level, whatever the module: kept on purpose.
 void ULogSettings::setModuleLogLevel(const char* /*module*/, unsigned int level) {
     setLogLevel(level, 0);
 }
 
-unsigned int ULogSettings::getFileRotationSize() {
+unsigned int ULogSettings::getFileRotationSize() try {
     const File file = openForReading();
     if (!file) return kRotationSize;
     for (Lines lines(file.get()); lines.next();) {
@@ -175,5 +186,7 @@ unsigned int ULogSettings::getFileRotationSize() {
             return separated ? numberOr(value + 1, kRotationSize) : kRotationSize;
         }
     }
+    return kRotationSize;
+} catch (const std::exception&) {
     return kRotationSize;
 }

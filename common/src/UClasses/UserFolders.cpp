@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <exception>
 #include <vector>
 
 namespace {
@@ -19,6 +20,13 @@ CString passwordHomeFolder() {
         texts.resize(texts.size() * 2);
     }
     return found != nullptr ? found->pw_dir : "";
+}
+
+// Whether the home folder is there; without memory for its path it is not.
+bool askForHomeFolder(struct stat& home) try {
+    return stat(getCurrentUserHomeFolder(), &home) == 0;
+} catch (const std::exception&) {
+    return false;
 }
 
 }  // namespace
@@ -64,7 +72,7 @@ void setOwnerAndGroup(const CString& path) {
 
 void getCurrentUserIDGroupID(unsigned int* uid, unsigned int* gid) {
     struct stat home {};
-    const bool known = stat(getCurrentUserHomeFolder(), &home) == 0;
+    const bool known = askForHomeFolder(home);
     if (uid != nullptr) *uid = known ? home.st_uid : geteuid();
     if (gid != nullptr) *gid = known ? home.st_gid : getegid();
 }
