@@ -53,6 +53,14 @@ void* operator new(std::size_t size) {
 
 void* operator new[](std::size_t size) { return operator new(size); }
 
+void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
+    return __wrap_malloc(size);
+}
+
+void* operator new[](std::size_t size, const std::nothrow_t& tag) noexcept {
+    return operator new(size, tag);
+}
+
 void operator delete(void* block) noexcept { std::free(block); }
 
 void operator delete(void* block, std::size_t /*size*/) noexcept { std::free(block); }
