@@ -91,9 +91,10 @@ TEST(ListThreads, EachNameIsRemovedWithItsOwnBlob) {
     UBlobList list;
     onThreads(4, [&](int thread) {
         const std::string name = "name" + std::to_string(thread);
-        for (int i = 0; i < kSteps; ++i) {
-            ASSERT_TRUE(list.addItem(name.c_str(), "value", 5));
-            list.removeItem(name.c_str());
+        // Often enough for others to come between finding and removing, were those two steps.
+        for (int i = 0; i < 4000; ++i) {
+            for (int n = 0; n < 20; ++n) ASSERT_TRUE(list.addItem(name.c_str(), "value", 5));
+            for (int n = 0; n < 20; ++n) list.removeItem(name.c_str());
         }
     });
     EXPECT_EQ(list.getItem(0, nullptr), nullptr);
