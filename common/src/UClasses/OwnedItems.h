@@ -13,7 +13,7 @@ int addOwned(UList& list, const UCaughtIn& operation, Make make) {
     UGuarded(operation, [&] {
         auto item = make();
         if (list.addObject(item.get()) < 0) return;
-        item.release();
+        static_cast<void>(item.release());
         result = 0;
     });
     return result;

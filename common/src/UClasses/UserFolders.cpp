@@ -37,7 +37,7 @@ CString getCurrentUserHomeFolder() {
 }
 
 CString getUserFolderPath(const char* subPath, bool create) {
-    const CString path = getCurrentUserHomeFolder() + subPath;
+    CString path = getCurrentUserHomeFolder() + subPath;
     if (create && !isFileExist(path)) {
         mkdir(path, 0700);
         setOwnerAndGroup(path);
