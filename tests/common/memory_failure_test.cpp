@@ -134,6 +134,27 @@ TEST(UExceptionWithoutMemory, NothingRaises) {
     }
 }
 
+TEST(URaiseWithoutMemory, NamesWhatFailedEvenWithoutItsDetails) {
+    // The first allocations are for the details and the file's name.
+    for (int n = 1; n <= 2; ++n) {
+        const RecordLog log;
+        const FailingAllocation failing(n);
+        try {
+            URaise("UList::addObject", "malloc failed", 5);
+        } catch (const UException& e) {
+            ASSERT_TRUE(failing.happened());
+            EXPECT_EQ(e.GetErrorCode(), -1);
+            EXPECT_EQ(e.GetFileName(), nullptr);
+            EXPECT_STREQ(e.GetFunctionName(), "UList::addObject");
+            EXPECT_NE(e.GetLine(), 0U);
+            EXPECT_STREQ(e.GetErrorMessage(), "EXCEPTION - malloc failed");
+        }
+        ASSERT_EQ(log.items().size(), 1U);
+        EXPECT_EQ(withoutLine(log.items()[0]),
+                  "1, , LINE, UList::addObject, EXCEPTION - malloc failed\n");
+    }
+}
+
 TEST(UGuardedWithoutMemory, GivesTheFailureWhateverCannotBeLogged) {
     const RecordLog log;
     failingEach([] { EXPECT_EQ(UGuarded("work() - EXCEPTION", [] { throw UException(); }), -1); },
@@ -183,6 +204,24 @@ TEST_P(AutoMemoryWithoutMemory, RaisesTheSizeAskedFor) {
     if (memory.getSize() != 0) {
         EXPECT_EQ(memory.getPtr()[5], 'f');
     }
+}
+
+TEST_P(AutoMemoryWithoutMemory, RaisesTheSameKindWhenNothingIsLeftForItsTexts) {
+    const unsigned char bytes[] = {'a', 'b', 'c', 'd', 'e', 'f'};
+    AutoMemory memory(bytes, sizeof bytes);
+    const RecordLog log;
+    int code = 0;
+    {
+        const FailingAllocation failing(1, FailingAllocation::fromThenOn);
+        try {
+            GetParam().run(memory);
+        } catch (const UException& e) {
+            code = e.GetErrorCode();
+        }
+    }
+    EXPECT_EQ(code, -1);
+    EXPECT_EQ(memory.getSize(), GetParam().keepsTheBlock ? 6U : 0U);
+    EXPECT_TRUE(log.items().empty());
 }
 
 INSTANTIATE_TEST_SUITE_P(

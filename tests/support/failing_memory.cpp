@@ -7,10 +7,12 @@
 namespace {
 
 thread_local int allocationsLeft = 0;  // 0: none is to fail
+thread_local bool allThatFollow = false;
 thread_local bool failed = false;
 
 bool isToFail() {
     if (allocationsLeft == 0 || --allocationsLeft > 0) return false;
+    if (allThatFollow) allocationsLeft = 1;
     failed = true;
     errno = ENOMEM;
     return true;
@@ -18,8 +20,9 @@ bool isToFail() {
 
 }  // namespace
 
-FailingAllocation::FailingAllocation(int n) {
+FailingAllocation::FailingAllocation(int n, Failures failures) {
     failed = false;
+    allThatFollow = failures == fromThenOn;
     allocationsLeft = n;
 }
 

@@ -5,10 +5,13 @@
 /// Lets allocations fail: programs that link `zerva_failing_memory` go through here for `malloc`,
 /// `calloc`, `realloc` and `new`.
 
-/// While it lives, the `n`-th allocation of this thread, counted from 1, fails, once.
+/// While it lives, the `n`-th allocation of this thread, counted from 1, fails, once, or it and all
+/// that follow.
 class FailingAllocation {
   public:
-    explicit FailingAllocation(int n);
+    enum Failures { once, fromThenOn };
+
+    explicit FailingAllocation(int n, Failures failures = once);
     ~FailingAllocation();
     FailingAllocation(const FailingAllocation&) = delete;
     FailingAllocation& operator=(const FailingAllocation&) = delete;

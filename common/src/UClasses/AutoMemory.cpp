@@ -10,9 +10,7 @@
 namespace {
 
 [[noreturn]] void raiseNoMemory(std::size_t size) {
-    CString wanted;
-    addToString(wanted, static_cast<unsigned long long>(size));
-    URaise("AutoMemory::malloc", "malloc error (size)", wanted);
+    URaise("AutoMemory::malloc", "malloc error (size)", static_cast<unsigned long long>(size));
 }
 
 }  // namespace
