@@ -7,8 +7,9 @@
 /// Values as text. Each function makes a text of its own; none keeps anything. Any thread may call
 /// them; those that take wide text follow the C library's current locale.
 ///
-/// A null `const char*` counts as "". None raises anything of its own: lack of memory comes out as
-/// `std::bad_alloc`, and as `UException` where a wide text is converted.
+/// A null text counts as "" where no fallback is given, and so does a null fallback. None raises
+/// anything of its own: lack of memory comes out as `std::bad_alloc`, and as `UException` where a
+/// wide text is converted.
 
 /// @return the text formatted by `CString::FormatV`, whose estimate may cut it.
 CString SFormat(const char* format, ...) __attribute__((format(printf, 1, 2)));
@@ -48,7 +49,7 @@ CString createString(unsigned long value);
 CString createString(const std::string& text);
 CString createString(const std::wstring& text);
 
-/// @return at most `limit` bytes of `text`; all of it for a limit of 0 or less.
+/// @return at most `limit` bytes of `text`; all of it for a limit of 0 or less, on purpose.
 CString createStringLimit(const char* text, int limit);
 /// @return the whole of `text`, converted: the limit is not applied.
 CString createStringLimit(const wchar_t* text, int limit);

@@ -4,21 +4,20 @@
 
 #include <cfloat>
 #include <climits>
-#include <clocale>
 #include <string>
 
-#include "record_log.h"
 #include "text_of.h"
 
 namespace {
 
 const char* const kNull = nullptr;
-const wchar_t* const kNullWide = nullptr;
 
 TEST(SFormat, FormatsWithinTheEstimate) {
     EXPECT_EQ(textOf(SFormat("%d-%s", 5, "x")), "5-x");
     EXPECT_EQ(textOf(SFormat("%lld", 123456LL)), "1");
 }
+
+TEST(SFormat, NullFormatGivesTheEmptyText) { EXPECT_EQ(textOf(SFormat(kNull)), ""); }
 
 TEST(CreateString, PointersShowAsHexadecimal) {
     EXPECT_EQ(textOf(createString(static_cast<const void*>(nullptr))), "0x0000000000000000");
@@ -90,7 +89,6 @@ TEST(CreateString, BoolAndCharacterShowAsThemselves) {
 
 TEST(CreateString, StandardStringsEndAtTheirFirstNul) {
     EXPECT_EQ(textOf(createString(std::string("ab\0c", 4))), "ab");
-    EXPECT_EQ(textOf(createString(std::wstring(L"ab\0c", 4))), "ab");
 }
 
 TEST(CreateStringLimit, TakesAtMostTheLimit) {
@@ -105,52 +103,6 @@ TEST(CreateStringLimit, OfZeroOrLessGivesTheWholeText) {
     EXPECT_EQ(textOf(createStringLimit("", 5)), "");
 }
 
-TEST(CreateStringWide, ConvertsTheWholeTextWhateverTheLength) {
-    EXPECT_EQ(textOf(createString(L"abcdef")), "abcdef");
-    EXPECT_EQ(textOf(createString(L"abcdef", 3, "")), "abcdef");
-    EXPECT_EQ(textOf(createString(L"abcdef", 0, "")), "abcdef");
-    EXPECT_EQ(textOf(createStringLimit(L"abcdef", 3)), "abcdef");
-    EXPECT_EQ(textOf(createStringLimit(L"abcdef", 99)), "abcdef");
-}
-
-TEST(CreateStringWide, NullTextGivesTheFallbackAndLogsNothing) {
-    const RecordLog log(63);
-    EXPECT_EQ(textOf(createString(kNullWide, -1, "dflt")), "dflt");
-    EXPECT_EQ(textOf(createStringLimit(kNullWide, 3)), "");
-    EXPECT_TRUE(log.items().empty());
-}
-
-TEST(CreateStringWide, EmptyTextGivesTheFallbackAndIsLoggedAtLevelTwo) {
-    const char* const record =
-        "2, /m_strings, LINE, ::createString, Failed while obtaining buffer size "
-        "(WideCharToMultiByte() error: 0)\n";
-    for (const int level : {1, 2, 63}) {
-        const RecordLog log(level);
-        EXPECT_EQ(textOf(createString(L"", -1, "dflt")), "dflt");
-        ASSERT_EQ(log.items().size(), level < 2 ? 0U : 1U);
-        if (level >= 2) {
-            EXPECT_EQ(withoutLine(log.items()[0]), record);
-        }
-    }
-    EXPECT_EQ(textOf(createString(L"", -1, "dflt")), "dflt");
-}
-
-TEST(CreateStringWide, TextThatTheLocaleCannotShowGivesTheFallbackAndIsLogged) {
-    const RecordLog log(2);
-    EXPECT_EQ(textOf(createString(L"\u20AC", -1, "dflt")), "dflt");
-    ASSERT_EQ(log.items().size(), 1U);
-    EXPECT_EQ(withoutLine(log.items()[0]),
-              "2, /m_strings, LINE, ::createString, Failed while obtaining buffer size "
-              "(WideCharToMultiByte() error: " +
-                  std::to_string(EILSEQ) + ")\n");
-}
-
-TEST(CreateStringWide, FollowsTheCurrentLocale) {
-    if (setlocale(LC_ALL, "C.UTF-8") == nullptr) GTEST_SKIP() << "there is no C.UTF-8 here";
-    EXPECT_EQ(textOf(createString(L"\u20AC", -1, "dflt")), "\xE2\x82\xAC");
-    setlocale(LC_ALL, "C");
-}
-
 TEST(AddToString, AppendsNumbersAndTextsAndGivesTheTarget) {
     CString text("x");
     EXPECT_EQ(&addToString(text, -5), &text);
@@ -161,6 +113,7 @@ TEST(AddToString, AppendsNumbersAndTextsAndGivesTheTarget) {
     addToString(text, kNull);
     addToString(text, static_cast<unsigned char>(200));
     EXPECT_EQ(textOf(text), "x-5|7|18446744073709551615200");
+    EXPECT_EQ(textOf(addToString(text, INT_MIN)), "x-5|7|18446744073709551615200-2147483648");
 }
 
 TEST(ToHex, ShowsThePrefixAndLowerCaseDigits) {

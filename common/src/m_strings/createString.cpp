@@ -1,10 +1,7 @@
 #include "createString.h"
 
-#include <algorithm>
 #include <array>
 #include <charconv>
-#include <climits>
-#include <cstdio>
 #include <cstring>
 
 namespace {

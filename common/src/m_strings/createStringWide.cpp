@@ -23,14 +23,15 @@ void logFailure(const char* message, int error, const SourcePlace& place = Sourc
 
 CString createString(const wchar_t* text, int /*length*/, const char* fallback) {
     if (text == nullptr) return fallback;
+    // An empty text sets no error, so the record must not tell an older one.
     errno = 0;
     const std::size_t size = wcstombs(nullptr, text, 0);
     if (size == 0 || size == kFailed) {
         logFailure("Failed while obtaining buffer size (WideCharToMultiByte() error: %1)", errno);
         return fallback;
     }
-    const AutoMemory buffer(size <= INT_MAX - kSpareBytes ? static_cast<int>(size + kSpareBytes)
-                                                          : 0);
+    const bool fits = size <= INT_MAX - kSpareBytes;
+    const AutoMemory buffer(fits ? static_cast<int>(size + kSpareBytes) : 0);
     if (buffer.getPtr() == nullptr) {
         logFailure("Failed to allocate memory (error: %1)", errno);
         return fallback;
