@@ -15,14 +15,14 @@
 /// counts: "%12" is "%1" and a "2". A value for which no place is left is dropped, or appended.
 ///
 /// An object belongs to one thread at a time. The text it converts to is its own and stays good
-/// until the next `arg`. No operation raises anything of its own.
+/// until the next value or assignment. No operation raises anything of its own; a value for which
+/// there is no memory (`std::bad_alloc`) can be given again.
 class StrFormat {
   public:
     /// The placeholders that the next value fills.
     struct Placeholder {
         int digit;  ///< the lowest number present, if count is not 0
         int count;  ///< how often it occurs
-        int first;  ///< where it occurs first, if count is not 0
     };
 
     /// A template; null counts as "".
@@ -36,7 +36,7 @@ class StrFormat {
     StrFormat& operator=(const StrFormat& other);
     ~StrFormat() = default;
 
-    /// @return whether the finished text equals `text`.
+    /// @return whether the finished text equals `text`; null counts as "".
     bool operator==(const char* text) const;
     /// @return the finished text: unfilled placeholders stand as they are.
     operator const char*() const;
@@ -45,7 +45,8 @@ class StrFormat {
     /// has been read before such a value does not show it, on purpose.
     void AppendIfNoPlaceholder(bool on) { m_appendIfNoPlaceholder = on; }
 
-    /// Fills the next placeholder with `createString(value)`.
+    /// Fills the next placeholder with `createString(value)`. @return the object itself, here and
+    /// below.
     template <typename T>
     StrFormat& arg(const T& value) {
         const ArgText text(value);
@@ -54,7 +55,7 @@ class StrFormat {
     /// Fills the next placeholder with `toHex(value)`.
     StrFormat& argHex(unsigned long long value) { return ReplaceArgEscapes(toHex(value)); }
 
-    /// Fills the next placeholder.
+    /// Fills the next placeholder with `value` as it is.
     StrFormat& ReplaceArgEscapes(const CString& value);
     /// @return what the next value fills.
     Placeholder FindArgEscapes() const;

@@ -79,6 +79,27 @@ TEST(StrFormat, TextReadBeforeAnAppendStaysAsItWasRead) {
     EXPECT_EQ(textOf(StrFormat(format)), "Failed, 5");
 }
 
+TEST(StrFormat, ComparingCountsAsReading) {
+    StrFormat format("50%%");
+    format.AppendIfNoPlaceholder(true);
+    EXPECT_TRUE(format == "50%");
+    EXPECT_TRUE(format.arg(5) == "50%");
+
+    StrFormat source("50%%");
+    StrFormat target("50%%");
+    for (StrFormat* const compared : {&source, &target}) compared->AppendIfNoPlaceholder(true);
+    target = source;
+    EXPECT_EQ(textOf(target.arg(5)), "50%");
+    EXPECT_EQ(textOf(source.arg(5)), "50%");
+}
+
+TEST(StrFormat, EmptyTextReadBeforeAnAppendIsReadAgain) {
+    StrFormat format("");
+    format.AppendIfNoPlaceholder(true);
+    EXPECT_EQ(textOf(format), "");
+    EXPECT_EQ(textOf(format.arg(5)), ", 5");
+}
+
 TEST(StrFormat, TextReadBeforeReplacingByDigitStaysUntilTheNextValue) {
     StrFormat format("%1 %2");
     EXPECT_EQ(textOf(format), "%1 %2");
@@ -128,28 +149,27 @@ TEST(StrFormat, TemplateMayBeAStringOrWide) {
     EXPECT_EQ(textOf(StrFormat(L"%1!").arg("a")), "a!");
 }
 
-TEST(StrFormat, EmbeddedNulsOfAValueAreKeptInTheTemplate) {
+TEST(StrFormat, TextBehindANulOfAValueIsKeptAndNeverAPlaceholder) {
     StrFormat format("%1|%2");
-    format.arg(CString("a\0b", 3));
-    EXPECT_EQ(format.FindArgEscapes().first, 4);
+    format.arg(CString("a\0%0", 4));
+    EXPECT_EQ(textOf(format), "a");
+    const StrFormat::Placeholder next = format.FindArgEscapes();
+    EXPECT_EQ(next.digit, 2);
+    EXPECT_EQ(next.count, 1);
 }
 
-TEST(StrFormat, FindArgEscapesGivesTheLowestDigitItsCountAndFirstPlace) {
+TEST(StrFormat, FindArgEscapesGivesTheLowestDigitAndItsCount) {
     const struct {
         const char* text;
         int digit;
         int count;
-        int first;
-    } rows[] = {{"", INT_MAX, 0, 0},   {"no %% here %", INT_MAX, 0, 0},
-                {"%2 %1 %1", 1, 2, 3}, {"%%1 %3", 3, 1, 4},
-                {"%a%9", 9, 1, 2},     {"%0", 0, 1, 0}};
+    } rows[] = {{"", INT_MAX, 0},   {"no %% here %", INT_MAX, 0},
+                {"%2 %1 %1", 1, 2}, {"%%1 %3", 3, 1},
+                {"%a%9", 9, 1},     {"%0", 0, 1}};
     for (const auto& row : rows) {
-        const StrFormat::Placeholder found = StrFormat(row.text).FindArgEscapes();
-        EXPECT_EQ(found.digit, row.digit) << row.text;
-        EXPECT_EQ(found.count, row.count) << row.text;
-        if (row.count != 0) {
-            EXPECT_EQ(found.first, row.first) << row.text;
-        }
+        const auto [digit, count] = StrFormat(row.text).FindArgEscapes();
+        EXPECT_EQ(digit, row.digit) << row.text;
+        EXPECT_EQ(count, row.count) << row.text;
     }
 }
 

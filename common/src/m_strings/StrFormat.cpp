@@ -110,10 +110,10 @@ StrFormat& StrFormat::Fill(std::string_view value) {
 
 StrFormat::Placeholder StrFormat::FindArgEscapes() const {
     for (std::size_t digit = 0; digit < m_places.size(); ++digit) {
-        const Places& places = m_places[digit];
-        if (places.count != 0) return {static_cast<int>(digit), places.count, places.first};
+        const int count = m_places[digit].count;
+        if (count != 0) return {static_cast<int>(digit), count};
     }
-    return {INT_MAX, 0, 0};
+    return {INT_MAX, 0};
 }
 
 void StrFormat::ReplacePositionalArgs(int digit, const CString& value) {
