@@ -270,6 +270,16 @@ TEST_F(SaveToFile, DoesNotLookAtTheResultOfTheWrite) {
     EXPECT_EQ(AutoMemory(100000).SaveToFile("/dev/full"), 0);
 }
 
+TEST(AutoMemorySize, BeyondASignedNumberIsASizeLikeAnyOther) {
+    // Elsewhere these bytes are never touched; a sanitizer would.
+    if (kSanitized) GTEST_SKIP() << "a block of 2 GiB takes memory here";
+    AutoMemory memory = memoryOf("abc");
+    constexpr unsigned int size = INT_MAX + 1U;
+    expectGives([&] { return memory.ensure(size); }, memory);
+    EXPECT_EQ(memory.getSize(), size);
+    EXPECT_EQ(memory.getPtr()[size - 1], 0);
+}
+
 TEST(AutoMemorySize, BeyondItsFieldIsRefusedAndLeavesTheBlock) {
     // Elsewhere these bytes are never touched; a sanitizer would.
     if (kSanitized) GTEST_SKIP() << "a block of 4 GiB takes memory here";

@@ -129,6 +129,15 @@ TEST(UException, MessageIsCutAt5119Characters) {
     }
 }
 
+TEST(UException, MessageThatCannotBeFormattedEndsWhereThatFailed) {
+    // The C locale has no such character.
+    const RecordLog log;
+    const UException e(5, "text %ls, more", L"\u20AC");
+    EXPECT_STREQ(e.GetErrorMessage(), "text ");
+    ASSERT_EQ(log.items().size(), 1U);
+    EXPECT_EQ(log.items()[0], "1, , 0, , text \n");
+}
+
 TEST(UException, NameOfMoreThan1000CharactersIsNotStored) {
     const std::string fits(1000, 'n');
     const std::string tooLong(1001, 'n');
@@ -193,6 +202,13 @@ TEST(UException, AssignmentOfATextForgetsThePlaceAndGivesTheText) {
     EXPECT_EQ(e.GetFileName(), nullptr);
     EXPECT_EQ(e.GetFunctionName(), nullptr);
     EXPECT_EQ(e.GetLine(), 0U);
+}
+
+TEST(UException, AssignmentOfANullTextLeavesNoMessage) {
+    UException e(5, "/x.cpp", "f", 1, "failed");
+    const char* const result = e = kNull;
+    EXPECT_EQ(result, nullptr);
+    expectNothing(e, -1);
 }
 
 TEST(UException, AssignmentOfItsOwnMessageKeepsIt) {
@@ -272,6 +288,17 @@ TEST(HandleException, LogsAnythingElseAsUnknown) {
     const RecordLog log;
     try {
         throw 5;
+    } catch (...) {
+        UException().HandleException();
+    }
+    ASSERT_EQ(log.items().size(), 1U);
+    EXPECT_EQ(log.items()[0], "1, , 0, , Unknown exception\n");
+}
+
+TEST(HandleException, LogsALibraryExceptionAsUnknownToo) {
+    const RecordLog log;
+    try {
+        throw UException();
     } catch (...) {
         UException().HandleException();
     }

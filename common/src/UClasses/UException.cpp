@@ -17,6 +17,9 @@ constexpr std::size_t kLongestName = 1000;
 // The message's limit with its terminator.
 using MessageBuffer = std::array<char, 5120>;
 
+constexpr const char* kNoFormat =
+    "UException::UException(LPCTSTR lpszMsg, ...) - template parameter is NULL";
+
 }  // namespace
 
 UException::UException(const char* format, ...) {
@@ -76,13 +79,11 @@ void UException::Init(int code, const char* file, const char* function, unsigned
     SetLine(line);
 
     MessageBuffer message{};
-    if (format == nullptr) {
-        format = "UException::UException(LPCTSTR lpszMsg, ...) - template parameter is NULL";
-        strcpy(message.data(), format);
-    } else if (vsnprintf(message.data(), message.size(), format, args) < 0) {
+    if (format != nullptr && vsnprintf(message.data(), message.size(), format, args) < 0) {
         message.back() = '\0';
     }
-    if (CopyMessage(message.data()) != nullptr) WriteToLog(message.data());
+    const char* const text = format == nullptr ? kNoFormat : message.data();
+    if (CopyMessage(text) != nullptr) WriteToLog(text);
 }
 
 void UException::Copy(const UException& other) {
