@@ -210,6 +210,15 @@ TEST(StrFormat, AssignmentTakesTheTemplateButNotTheFlag) {
     EXPECT_EQ(textOf(keepsItsFlag.arg("a").arg("b").arg("c")), "a b, c");
 }
 
+TEST(StrFormat, AssignmentForgetsWhatWasRead) {
+    for (const char* const old : {"old", "100%% old"}) {
+        StrFormat target(old);
+        EXPECT_NE(textOf(target), "new");
+        target = StrFormat("new");
+        EXPECT_EQ(textOf(target), "new") << old;
+    }
+}
+
 TEST(StrFormat, AssignmentOfTheSameFinishedTextDoesNothing) {
     // Both read "5%1", but only the source has a place left.
     StrFormat source("5%1");
@@ -232,6 +241,20 @@ TEST(StrFormat, ItsOwnTextMayBeAValue) {
     format.arg(static_cast<const char*>(format));
     EXPECT_EQ(textOf(format), "<<%1|%2>|%2>");
     EXPECT_EQ(textOf(format.arg(static_cast<const char*>(format))), "<<%1|%2>|<<%1|%2>|%2>>");
+}
+
+TEST(StrFormat, PartOfItsOwnTextMayBeAValue) {
+    for (const char* const source : {"%1 tail", "%1 tail%%"}) {
+        StrFormat format(source);
+        const std::string tail = textOf(format).substr(3);
+        EXPECT_EQ(textOf(format.arg(static_cast<const char*>(format) + 3)), tail + " " + tail);
+    }
+    StrFormat twice("%1%1 100%% tail");
+    EXPECT_EQ(textOf(twice.arg(static_cast<const char*>(twice) + 10)), "tailtail 100% tail");
+    StrFormat appended("tail");
+    appended.AppendIfNoPlaceholder(true);
+    appended.arg(static_cast<const char*>(appended));
+    EXPECT_EQ(textOf(StrFormat(appended)), "tail, tail");
 }
 
 TEST(StrFormat, ManyPlacesAndValuesAreFilled) {
