@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <optional>
 #include <string_view>
 
 #include "ScanNumber.h"
@@ -84,6 +85,34 @@ unsigned int readDword(const char* text) {
     return hasHexPrefix(number) ? readHexDword(number) : readDecimalDword(number);
 }
 
+// The address of a text of digits and three points alone, which nearly every one is; nothing of
+// any other text, be it acceptable or not.
+std::optional<unsigned int> readPlainAddress(const char* text) {
+    unsigned int address = 0;
+    for (int place = 0; place < 4; ++place) {
+        if (place > 0 && *text++ != '.') return std::nullopt;
+        unsigned int part = 0;
+        int digits = 0;
+        for (; digits < 3 && *text >= '0' && *text <= '9'; ++digits) {
+            part = part * 10 + static_cast<unsigned int>(*text++ - '0');
+        }
+        if (digits == 0) return std::nullopt;
+        address = (address << 8) + (part & 255);
+    }
+    if (*text != '\0') return std::nullopt;
+    return address;
+}
+
+// The address of any text that has one: numbers may have blanks and a sign in front.
+std::optional<unsigned int> readAddress(const char* text) {
+    unsigned int part[4] = {};
+    char rest[10];
+    const int read =
+        std::sscanf(text, "%3u.%3u.%3u.%3u%9s", &part[0], &part[1], &part[2], &part[3], rest);
+    if (read != 4) return std::nullopt;
+    return (part[0] << 24) + ((part[1] & 255) << 16) + ((part[2] & 255) << 8) + (part[3] & 255);
+}
+
 // Compares with a word of lower-case ASCII letters.
 bool isWord(std::string_view text, std::string_view word) {
     return std::ranges::equal(text, word, [](char c, char lower) {
@@ -142,13 +171,13 @@ bool toBool(const char* text, bool def) {
 }
 
 unsigned int strIPtoDWORD(const char* text, unsigned int def, bool* ok) {
-    unsigned int part[4] = {};
-    char rest[10];
-    const bool acceptable = text != nullptr && std::sscanf(text, "%3u.%3u.%3u.%3u%9s", &part[0],
-                                                           &part[1], &part[2], &part[3], rest) == 4;
-    set(ok, acceptable);
-    if (!acceptable) return def;
-    return (part[0] << 24) + ((part[1] & 255) << 16) + ((part[2] & 255) << 8) + (part[3] & 255);
+    std::optional<unsigned int> address;
+    if (text != nullptr) {
+        address = readPlainAddress(text);
+        if (!address) address = readAddress(text);
+    }
+    set(ok, address.has_value());
+    return address.value_or(def);
 }
 
 CString IPv4toString(unsigned int addr) {

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "UStrings.h"
+
+/// Taking patterns, expressions and candidates to pieces and putting patterns together.
+
+/// Splits `text` as `UStrings::Create` does; raises `std::bad_alloc` where that leaves a piece out
+/// for lack of memory, and with it a condition.
+void splitParts(UStrings& parts, const char* text, char delimiter, unsigned int flags);
+
+/// @return "first:second"; `first` alone when the other is null or "".
+CString joinParts(const char* first, const char* second);

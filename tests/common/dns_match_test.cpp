@@ -1,0 +1,121 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
+
+#include "UDNSMatch.h"
+#include "matcher_records.h"
+#include "text_of.h"
+
+namespace {
+
+const char* const kSet = "UDNSMatch::setPattern()";
+const char* const kNormalize = "UDNSMatch::normalize()";
+
+TEST(DnsMatch, WithoutAPatternMatchesNothing) {
+    const UDNSMatch matcher;
+    EXPECT_STREQ(matcher.getPattern(), "");
+    EXPECT_EQ(textOf(matcher.toString()), "");
+    EXPECT_FALSE(matcher.match(""));
+    EXPECT_FALSE(matcher.match("host"));
+    EXPECT_FALSE(matcher.match(nullptr));
+    EXPECT_FALSE(matcher.matchAsDWORD(0));
+}
+
+struct Row {
+    const char* pattern;
+    const char* text;
+    bool isMatch;
+};
+class DnsCandidate : public testing::TestWithParam<Row> {};
+
+TEST_P(DnsCandidate, MatchesInWhateverCase) {
+    const Row& row = GetParam();
+    const UDNSMatch matcher(row.pattern);
+    EXPECT_STREQ(matcher.getPattern(), row.pattern);
+    EXPECT_EQ(textOf(matcher.toString()), row.pattern);
+    EXPECT_EQ(matcher.match(row.text), row.isMatch);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, DnsCandidate,
+    testing::Values(Row{"*.example.com", "www.example.com", true},
+                    Row{"*.example.com", "WWW.Example.COM", true},
+                    Row{"*.Example.Com", "www.example.com", true},
+                    Row{"*.EXAMPLE.com", "www.eXaMpLe.com", true},
+                    Row{"*.example.com", "example.com", false},
+                    Row{"*.example.com", "www.example.com.evil.org", false},
+                    Row{"www.example.com", "www.example.com", true},
+                    Row{"www.example.com", "www2example.com", false}, Row{"*", "", true},
+                    Row{"*", "any host", true}, Row{"*", nullptr, false},
+                    // The port is part of the candidate, and not of the pattern's host.
+                    Row{"*.example.com", "www.example.com:443", false},
+                    Row{"www.example.com:443", "www.example.com", true},
+                    Row{"www.example.com:443", "www.example.com:443", false},
+                    Row{":www.example.com::a:b:", "www.example.com", true}));
+
+TEST(DnsMatch, NumbersNeverMatch) {
+    const UDNSMatch matcher("*");
+    EXPECT_TRUE(matcher.match("7"));
+    EXPECT_FALSE(matcher.matchAsDWORD(7));
+}
+
+class NoDnsPattern : public testing::TestWithParam<const char*> {
+  protected:
+    static std::string shown() { return GetParam() == nullptr ? "" : GetParam(); }
+    static Records refusal() {
+        return {raised(kSet, "invalid host part, " + shown()), caught(kSet)};
+    }
+};
+
+TEST_P(NoDnsPattern, IsRefused) {
+    expectRefused<UDNSMatch>(GetParam(), refusal(), "UDNSMatch::UDNSMatch()", "*.example.com",
+                             "www.example.com");
+}
+
+TEST_P(NoDnsPattern, CannotBeNormalized) {
+    Records records = refusal();
+    records.push_back(raised(kNormalize, "wrong pattern, " + shown()));
+    records.push_back(caught(kNormalize));
+    const UDNSMatch matcher;
+    CString out("as it was");
+    EXPECT_EQ(recordsOf([&] { EXPECT_EQ(matcher.normalize(GetParam(), out, ','), -1); }), records);
+    EXPECT_EQ(textOf(out), "as it was");
+}
+
+INSTANTIATE_TEST_SUITE_P(Rows, NoDnsPattern,
+                         testing::Values("", ":", ":::", " ", "a b", "www.example.com ", "\thost",
+                                         "host\n", " :443", static_cast<const char*>(nullptr)));
+
+TEST(DnsMatch, PatternIsNormalizedToHostInLowerCaseAndPort) {
+    const UDNSMatch matcher;
+    for (const auto& [pattern, normal] : std::initializer_list<std::pair<const char*, const char*>>{
+             {"*.Example.COM", "*.example.com"},
+             {"Host:443", "host:443"},
+             {":Host::443:", "host:443"},
+             {"host:HTTP:x", "host:HTTP"},
+             {"host:", "host"}}) {
+        CString out;
+        EXPECT_EQ(matcher.normalize(pattern, out, ','), 0);
+        EXPECT_EQ(textOf(out), normal);
+        EXPECT_EQ(matcher.normalize(out, out, ';'), 0);
+        EXPECT_EQ(textOf(out), normal);
+    }
+}
+
+TEST(DnsMatch, TakesItsOwnPatternAgain) {
+    UDNSMatch matcher("www.Example.com");
+    EXPECT_EQ(matcher.setPattern(matcher.getPattern() + 4), 0);
+    EXPECT_STREQ(matcher.getPattern(), "Example.com");
+    EXPECT_TRUE(matcher.match("example.com"));
+}
+
+TEST(DnsMatch, MegabytesAreTakenOrRefused) {
+    const std::string letters(1 << 20, 'A');
+    UDNSMatch matcher(("*" + letters).c_str());
+    EXPECT_TRUE(matcher.match(("b" + letters).c_str()));
+    EXPECT_FALSE(matcher.match((letters + "b").c_str()));
+    EXPECT_EQ(matcher.setPattern(std::string(1 << 20, ':').c_str()), -1);
+}
+
+}  // namespace
