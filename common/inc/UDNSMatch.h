@@ -18,8 +18,9 @@ class UDNSMatch final : public URootMatch {
     bool match(const char* text) const override;
     /// @return false: no number is a host name.
     bool matchAsDWORD(unsigned int /*value*/) const override { return false; }
-    /// Writes a pattern as "host:port", the host in lower case, the port as it is; without ":port"
-    /// when it has none. Further parts are dropped. What `setPattern` would refuse is a failure.
+    /// Writes a pattern as "host:port", the host in lower case, the port without white space around
+    /// it; without ":port" when there is none. Further parts are dropped. What `setPattern` would
+    /// refuse is a failure.
     int normalize(const char* text, CString& out, char delimiter) const override;
     CString toString() const override { return m_pattern; }
 

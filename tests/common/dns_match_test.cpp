@@ -94,6 +94,8 @@ TEST(DnsMatch, PatternIsNormalizedToHostInLowerCaseAndPort) {
              {"Host:443", "host:443"},
              {":Host::443:", "host:443"},
              {"host:HTTP:x", "host:HTTP"},
+             {"host: 443 ", "host:443"},
+             {"host: :x", "host"},
              {"host:", "host"}}) {
         CString out;
         EXPECT_EQ(matcher.normalize(pattern, out, ','), 0);

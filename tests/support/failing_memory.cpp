@@ -66,10 +66,11 @@ void* operator new[](std::size_t size, const std::nothrow_t& tag) noexcept {
 
 void operator delete(void* block) noexcept { std::free(block); }
 
-void operator delete(void* block, const std::nothrow_t& /*tag*/) noexcept { std::free(block); }
-
 void operator delete(void* block, std::size_t /*size*/) noexcept { std::free(block); }
 
 void operator delete[](void* block) noexcept { std::free(block); }
 
 void operator delete[](void* block, std::size_t /*size*/) noexcept { std::free(block); }
+
+// For an object whose constructor raises.
+void operator delete(void* block, const std::nothrow_t& /*tag*/) noexcept { std::free(block); }

@@ -27,8 +27,11 @@ void splitParts(UStrings& parts, const char* text, char delimiter, unsigned int 
 }
 
 CString joinParts(const char* first, const char* second) {
-    if (second == nullptr || *second == '\0') return first;
+    CString trimmed(second);
+    trimmed.TrimLeft();
+    trimmed.TrimRight();
+    if (trimmed.IsEmpty()) return first;
     CString joined;
-    joined.Format("%s:%s", first, second);
+    joined.Format("%s:%s", first, static_cast<const char*>(trimmed));
     return joined;
 }

@@ -8,5 +8,6 @@
 /// for lack of memory, and with it a condition.
 void splitParts(UStrings& parts, const char* text, char delimiter, unsigned int flags);
 
-/// @return "first:second"; `first` alone when the other is null or "".
+/// @return "first:second", the second without white space around it; `first` alone when nothing is
+/// left of the other, or it is null.
 CString joinParts(const char* first, const char* second);
