@@ -1,7 +1,5 @@
 #pragma once
 
-#include <new>
-
 #include "SourcePlace.h"
 #include "UException.h"
 #include "createString.h"
@@ -21,8 +19,7 @@ struct URaisedIn {
 ///
 ///     URaise("UFileErrorLog::WriteLogByte", "fwrite() failed (error)", errno);
 ///
-/// Making the exception has logged it. Without memory for the details it is raised without them,
-/// and without its file. Any thread may call this; nothing is kept.
+/// Making the exception has logged it. Any thread may call this; nothing is kept.
 template <typename... Details>
 requires(sizeof...(Details) <= 3)
     [[noreturn]] void URaise(const URaisedIn& in, const char* failed, const Details&... details) {
@@ -30,10 +27,6 @@ requires(sizeof...(Details) <= 3)
                                    : sizeof...(Details) == 1 ? "EXCEPTION - %s, %s"
                                    : sizeof...(Details) == 2 ? "EXCEPTION - %s, %s, %s"
                                                              : "EXCEPTION - %s, %s, %s, %s";
-    try {
-        throw UException(-1, sourceUnit(in.place.file), in.function, in.place.line, format, failed,
-                         static_cast<const char*>(createString(details))...);
-    } catch (const std::bad_alloc&) {
-        throw UException(-1, nullptr, in.function, in.place.line, "EXCEPTION - %s", failed);
-    }
+    throw UException(-1, sourceUnit(in.place.file), in.function, in.place.line, format, failed,
+                     static_cast<const char*>(createString(details))...);
 }

@@ -134,27 +134,6 @@ TEST(UExceptionWithoutMemory, NothingRaises) {
     }
 }
 
-TEST(URaiseWithoutMemory, NamesWhatFailedEvenWithoutItsDetails) {
-    // The first allocations are for the details and the file's name.
-    for (int n = 1; n <= 2; ++n) {
-        const RecordLog log;
-        const FailingAllocation failing(n);
-        try {
-            URaise("UList::addObject", "malloc failed", 5);
-        } catch (const UException& e) {
-            ASSERT_TRUE(failing.happened());
-            EXPECT_EQ(e.GetErrorCode(), -1);
-            EXPECT_EQ(e.GetFileName(), nullptr);
-            EXPECT_STREQ(e.GetFunctionName(), "UList::addObject");
-            EXPECT_NE(e.GetLine(), 0U);
-            EXPECT_STREQ(e.GetErrorMessage(), "EXCEPTION - malloc failed");
-        }
-        ASSERT_EQ(log.items().size(), 1U);
-        EXPECT_EQ(withoutLine(log.items()[0]),
-                  "1, , LINE, UList::addObject, EXCEPTION - malloc failed\n");
-    }
-}
-
 TEST(UGuardedWithoutMemory, GivesTheFailureWhateverCannotBeLogged) {
     const RecordLog log;
     failingEach([] { EXPECT_EQ(UGuarded("work() - EXCEPTION", [] { throw UException(); }), -1); },

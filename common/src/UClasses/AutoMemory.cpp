@@ -4,13 +4,23 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <new>
 
 #include "URaise.h"
 
 namespace {
 
 [[noreturn]] void raiseNoMemory(std::size_t size) {
-    URaise("AutoMemory::malloc", "malloc error (size)", static_cast<unsigned long long>(size));
+    constexpr const char* function = "AutoMemory::malloc";
+    constexpr const char* failed = "malloc error (size)";
+    const unsigned long long wanted = size;
+    try {
+        URaise(function, failed, wanted);
+    } catch (const std::bad_alloc&) {
+        // Not even its texts can be made, but callers wait for this kind of exception.
+        throw UException(-1, nullptr, function, SourcePlace::current().line, "EXCEPTION - %s, %llu",
+                         failed, wanted);
+    }
 }
 
 }  // namespace
