@@ -1,6 +1,7 @@
-// Lists beside Qt's: adding pointers, splitting and joining text.
+// Lists beside Qt's and GLib's: adding pointers, splitting and joining text.
 
 #include <benchmark/benchmark.h>
+#include <glib.h>
 
 #include <QByteArray>
 #include <QList>
@@ -64,6 +65,15 @@ void splitQtBytes(benchmark::State& state) {
     for (auto _ : state) benchmark::DoNotOptimize(text.split(','));
 }
 
+void splitGlib(benchmark::State& state) {
+    const std::string text = pieces(state.range(0));
+    for (auto _ : state) {
+        char** const strings = g_strsplit(text.c_str(), ",", 0);
+        benchmark::DoNotOptimize(strings);
+        g_strfreev(strings);
+    }
+}
+
 void joinOurs(benchmark::State& state) {
     const UStrings strings(pieces(state.range(0)).c_str(), ',', 0);
     for (auto _ : state) benchmark::DoNotOptimize(strings.toString());
@@ -82,6 +92,7 @@ BENCHMARK(addStandard)->Arg(100)->Arg(10000);
 BENCHMARK(splitOurs)->Arg(100)->Arg(10000)->Arg(174763);
 BENCHMARK(splitQt)->Arg(100)->Arg(10000)->Arg(174763);
 BENCHMARK(splitQtBytes)->Arg(100)->Arg(10000)->Arg(174763);
+BENCHMARK(splitGlib)->Arg(100)->Arg(10000)->Arg(174763);
 BENCHMARK(joinOurs)->Arg(100)->Arg(10000);
 BENCHMARK(joinQt)->Arg(100)->Arg(10000);
 

@@ -13,9 +13,9 @@
 
 #include "ErrorLogLevels.h"
 #include "IUErrorLog.h"
-#include "UCommonLibrary.h"
 #include "UFileErrorLog.h"
 #include "log_home.h"
+#include "plugin_log.h"
 
 namespace {
 
@@ -26,6 +26,20 @@ std::string itemOf(benchmark::State& state) {
 
 // What stands before an item's text, "0,,,, " included; the numbers are as long as real ones.
 constexpr char kHeader[] = "2024-03-05, 7:08:09:010, 12345,12345,nevo_plugin, 0,,,, ";
+
+// Opens the program's own log at `level` for as long as it lives.
+class OpenAtLevel {
+  public:
+    explicit OpenAtLevel(int level) {
+        const std::string path = LogHome::get().logs() + "own.log";
+        errorLog->setParam("module_name", "nevo_plugin");
+        errorLog->Open(path.c_str(), "a");
+        errorLog->SetLogLevel(level);
+    }
+    ~OpenAtLevel() { errorLog->Close(); }
+    OpenAtLevel(const OpenAtLevel&) = delete;
+    OpenAtLevel& operator=(const OpenAtLevel&) = delete;
+};
 
 void openLog(UFileErrorLog& log, const std::string& path) {
     log.setParam("module_name", "nevo_plugin");
@@ -40,6 +54,17 @@ void itemOurs(benchmark::State& state) {
     Emptied file(path);
     for (auto _ : state) {
         benchmark::DoNotOptimize(log.WriteLogStr(item.c_str()));
+        file.grewBy(state, item.size() + sizeof kHeader);
+    }
+}
+
+// As the plug-in writes its lines; its log is the program's own.
+void itemOfThePlugin(benchmark::State& state) {
+    const std::string item = itemOf(state);
+    const OpenAtLevel open(63);
+    Emptied file(errorLog->GetLogName());
+    for (auto _ : state) {
+        PluginWriteLog(0, "%s", item.c_str());
         file.grewBy(state, item.size() + sizeof kHeader);
     }
 }
@@ -68,19 +93,6 @@ void itemBareWrite(benchmark::State& state) {
         file.grewBy(state, line.size());
     }
 }
-
-// Opens the program's own log at `level` for as long as it lives.
-class OpenAtLevel {
-  public:
-    explicit OpenAtLevel(int level) {
-        const std::string path = LogHome::get().logs() + "filtered.log";
-        errorLog->Open(path.c_str(), "a");
-        errorLog->SetLogLevel(level);
-    }
-    ~OpenAtLevel() { errorLog->Close(); }
-    OpenAtLevel(const OpenAtLevel&) = delete;
-    OpenAtLevel& operator=(const OpenAtLevel&) = delete;
-};
 
 void filteredWriteLog(benchmark::State& state) {
     const OpenAtLevel open(31);
@@ -112,6 +124,7 @@ void threeVirtualCalls(benchmark::State& state) {
 }
 
 BENCHMARK(itemOurs)->ArgName("bytes")->Arg(60)->Arg(1 << 10)->Arg(100 << 10);
+BENCHMARK(itemOfThePlugin)->ArgName("bytes")->Arg(60)->Arg(1 << 10)->Arg(100 << 10);
 BENCHMARK(itemSpdlog)->ArgName("bytes")->Arg(60)->Arg(1 << 10)->Arg(100 << 10);
 BENCHMARK(itemBareWrite)->ArgName("bytes")->Arg(60)->Arg(1 << 10)->Arg(100 << 10);
 BENCHMARK(filteredWriteLog);

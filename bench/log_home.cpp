@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <thread>
 
 namespace {
 
@@ -23,6 +24,7 @@ const LogHome& LogHome::get() {
 }
 
 LogHome::LogHome() : m_path(std::filesystem::temp_directory_path() / "log_bench-XXXXXX") {
+    std::thread([] {}).join();
     if (mkdtemp(m_path.data()) == nullptr) fail("mkdtemp");
     setenv("HOME", m_path.c_str(), 1);
     std::filesystem::create_directories(logs());

@@ -6,7 +6,8 @@
 #include <string>
 
 /// A home folder of the program's own, which `HOME` names from the first use to the program's end.
-/// Its settings let no log rotate: what rotation costs hangs on the disk, and no peer does it.
+/// Its settings let no log rotate: what rotation costs hangs on the disk, and no peer does it. From
+/// then on the process counts as one of several threads, as a browser does: locks cost their price.
 class LogHome {
   public:
     static const LogHome& get();

@@ -6,6 +6,7 @@
 #include <QRecursiveMutex>
 #include <QSemaphore>
 #include <mutex>
+#include <thread>
 
 #include "UAutoSync.h"
 #include "UCriticalSection.h"
@@ -14,6 +15,10 @@
 #include "USemaphore.h"
 
 namespace {
+
+// The C library takes locks at less than their price until a process starts its second thread, and
+// a browser has started it.
+[[maybe_unused]] const int secondThread = (std::thread([] {}).join(), 0);
 
 UCriticalSection section;
 std::recursive_mutex standardMutex;

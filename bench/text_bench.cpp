@@ -1,12 +1,15 @@
-// Hexadecimal and URL text beside OpenSSL and Qt.
+// Hexadecimal, URL and number text beside OpenSSL, Qt, GLib and the C library.
 
 #include <benchmark/benchmark.h>
+#include <glib.h>
 #include <openssl/crypto.h>
 
 #include <QByteArray>
+#include <cstdlib>
 #include <string>
 
 #include "HexText.h"
+#include "NumberText.h"
 #include "UrlText.h"
 
 namespace {
@@ -61,10 +64,44 @@ void urlQt(benchmark::State& state) {
     for (auto _ : state) benchmark::DoNotOptimize(text.toPercentEncoding({}, "-._~"));
 }
 
+void urlGlib(benchmark::State& state) {
+    const std::string text = sample(static_cast<std::size_t>(state.range(0)));
+    for (auto _ : state) {
+        char* const encoded = g_uri_escape_string(text.c_str(), nullptr, 0);
+        benchmark::DoNotOptimize(encoded);
+        g_free(encoded);
+    }
+}
+
+constexpr char kNumber[] = "1234567";
+
+void numberOurs(benchmark::State& state) {
+    const char* text = kNumber;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(text);
+        bool ok = false;
+        benchmark::DoNotOptimize(toInt(text, 0, &ok));
+        benchmark::DoNotOptimize(ok);
+    }
+}
+
+void numberStrtol(benchmark::State& state) {
+    const char* text = kNumber;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(text);
+        char* end = nullptr;
+        benchmark::DoNotOptimize(strtol(text, &end, 10));
+        benchmark::DoNotOptimize(end);
+    }
+}
+
 BENCHMARK(hexOurs)->Arg(8)->Arg(1024);
 BENCHMARK(hexOpenSSL)->Arg(8)->Arg(1024);
 BENCHMARK(hexQt)->Arg(8)->Arg(1024);
 BENCHMARK(urlOurs)->Arg(64)->Arg(4096);
 BENCHMARK(urlQt)->Arg(64)->Arg(4096);
+BENCHMARK(urlGlib)->Arg(64)->Arg(4096);
+BENCHMARK(numberOurs);
+BENCHMARK(numberStrtol);
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <cstdarg>
 
 #include "CString.h"
+#include "FormattedLog.h"
 #include "IUErrorLog.h"
 #include "ULogSettings.h"
 #include "UserFolders.h"
@@ -49,11 +50,7 @@ void PluginOpenLog() {
 void PluginWriteLog(int /*level*/, const char* format, ...) noexcept {
     va_list args;
     va_start(args, format);
-    withLog([&](IUErrorLog& log) {
-        CString line;
-        line.FormatV(format, args);
-        log.WriteLogStr(line);
-    });
+    withLog([&](IUErrorLog& log) { writeFormatted(log, format, args); });
     va_end(args);
 }
 

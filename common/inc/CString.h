@@ -217,3 +217,22 @@ const char* const& AfxGetEmptyString();
 inline void CString::Init() { m_pchData = const_cast<char*>(&rgInitData.text); }
 
 inline bool CString::IsNil() const { return m_pchData == &rgInitData.text; }
+
+// Order of the count. Up: whoever copies already holds the block, so nothing needs ordering. Down:
+// an owner's last reads of the text must come before the block is freed or written by another,
+// so the decrement releases and the reader of the count acquires. A count of 1 read that way stays
+// 1, for only an owner can raise it.
+inline long CString::RefCount(const CStringData* data) {
+    return __atomic_load_n(&data->refCount, __ATOMIC_ACQUIRE);
+}
+
+inline void CString::SetLength(std::size_t length) {
+    if (IsNil()) return;
+    GetData()->dataLength = static_cast<int>(length);
+    m_pchData[length] = '\0';
+}
+
+inline void CString::CopyBeforeWrite() {
+    const CStringData* const data = GetData();
+    if (RefCount(data) >= 2) Detach(static_cast<std::size_t>(data->dataLength));
+}

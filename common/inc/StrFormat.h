@@ -104,6 +104,7 @@ class StrFormat {
 
     StrFormat& EscapeAndFill(std::string_view value);
     StrFormat& Fill(std::string_view value);
+    void FillPlaces(const Placeholder& next, std::string_view value);
     void KeepTextRead();
     void FindPlaces();
     char* MakeRoom(std::size_t length);

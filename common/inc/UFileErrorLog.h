@@ -1,7 +1,10 @@
 #pragma once
 
 #include <atomic>
+#include <cstdarg>
 #include <cstdio>
+#include <span>
+#include <string_view>
 
 #include "CString.h"
 #include "UCriticalSection.h"
@@ -49,6 +52,12 @@ class UFileErrorLog : public UFileErrorLogBase {
     /// @return the name last given to `Open`, "" before that; good until another name is given.
     const char* GetLogName() override;
 
+    /// Writes what `WriteLogStr` would write of the text that `CString::FormatV` makes of `format`
+    /// and `args`, without putting the text together first; null counts as "".
+    /// @return 0, also when the level forbids it; -1 when no file is open or the C library cannot
+    /// tell the time.
+    int WriteLogFormat(const char* format, va_list args) __attribute__((format(printf, 2, 0)));
+
     /// For the thread that forks, around the fork as the functions of ForkHooks.h do: the child may
     /// log then, whatever other threads were writing. Its lines carry the parent's process id.
     void PrepareFork();
@@ -56,6 +65,9 @@ class UFileErrorLog : public UFileErrorLogBase {
     void AfterForkInChild();
 
   private:
+    /// Writes the header of a line, `column` and the pieces of a text. @return 0, or -1.
+    int WriteLine(std::string_view column, std::span<const std::string_view> text);
+
     /// Counts a write and, every 50th time, rotates the file if it has grown too large.
     void CheckForRotation();
 

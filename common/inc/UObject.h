@@ -7,7 +7,7 @@
 /// otherwise.
 class UObject {
   public:
-    UObject() { resetError(); }
+    UObject() = default;
     virtual ~UObject() = default;
 
     /// Sets the error number to 0 and the error text to "".

@@ -2,13 +2,20 @@
 
 #include "UCommonLibrary.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <unistd.h>
 
 #include <atomic>
+#include <cstdarg>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
 #include <thread>
 #include <type_traits>
+
+#include "FormattedLog.h"
+#include "recording_log.h"
 
 namespace {
 
@@ -70,6 +77,36 @@ TEST(CommonLibrary, PublishesItsLogWhenThereIsNoneAndTakesItBack) {
     }
     EXPECT_EQ(errorLog, nullptr);
     errorLog = before;
+}
+
+__attribute__((format(printf, 2, 3))) void writeFormat(IUErrorLog& log, const char* format, ...) {
+    va_list args;
+    va_start(args, format);
+    writeFormatted(log, format, args);
+    va_end(args);
+}
+
+// The user's folder of logs need not be there; the file is made where the test wants it.
+TEST(CommonLibrary, FormatsForItsOwnLog) {
+    char folder[] = "/tmp/common_library-XXXXXX";
+    ASSERT_NE(mkdtemp(folder), nullptr);
+    setenv("HOME", folder, 1);
+    const std::string path = folder + std::string("/own.log");
+    ASSERT_EQ(errorLog->Open(path.c_str(), "a"), 0);
+    writeFormat(*errorLog, "[%s] %d %5d\n", "text", 5, 6);
+    errorLog->Close();
+    std::ifstream file(path);
+    const std::string text{std::istreambuf_iterator<char>(file), {}};
+    EXPECT_TRUE(text.ends_with(", 0,,,, [text] 5     6\n")) << text;
+    std::filesystem::remove_all(folder);
+}
+
+TEST(CommonLibrary, FormatsForAnotherLog) {
+    RecordingLog log;
+    writeFormat(log, "[%s] %d\n", "text", 5);
+    writeFormat(log, "%5d\n", 6);
+    writeFormat(log, "%s", "");
+    EXPECT_THAT(log.items, testing::ElementsAre("0,,,, [text] 5\n", "0,,,,     6\n", "0,,,, "));
 }
 
 TEST(CommonLibrary, PointerIsNullAfterStaticDestruction) {

@@ -5,6 +5,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <climits>
+#include <cstdarg>
 #include <thread>
 
 #include "file_log_home.h"
@@ -99,6 +101,93 @@ TEST_F(FileLogWrite, ItemStandsAsGivenBehindTheHeader) {
                   }),
                   text);
     }
+}
+
+// Short and long lines go to the system in different ways.
+TEST_F(FileLogWrite, ItemOfAnyLengthIsWhole) {
+    for (std::size_t length = 1900; length <= 2100; ++length) {
+        const std::string text = std::string(length - 1, 'x') + 'y';
+        EXPECT_EQ(addedItem([&] { log.WriteLogItem(text.c_str()); }), text);
+    }
+}
+
+TEST_F(FileLogWrite, ModuleNameOfAnyLengthIsWhole) {
+    for (std::size_t length = 0; length <= 100; ++length) {
+        const std::string name(length, 'm');
+        log.setParam("module_name", name.c_str());
+        log.WriteErrorStr("text\n");
+        EXPECT_EQ(lines().back().module, name);
+        EXPECT_EQ(lines().back().item, "0,,,, text");
+    }
+}
+
+#pragma GCC diagnostic ignored "-Wformat-nonliteral"
+
+// The same as making the text first and writing it with WriteLogStr.
+class FileLogFormat : public FileLogWrite {
+  protected:
+    // Unknown to the compiler as a format: it warns of what is tested here.
+    int writeFormat(const char* format, ...) {
+        va_list args;
+        va_start(args, format);
+        const int result = log.WriteLogFormat(format, args);
+        va_end(args);
+        return result;
+    }
+
+    void expectSameAsText(const char* format, ...) {
+        va_list args;
+        va_list again;
+        va_start(args, format);
+        va_copy(again, args);
+        CString text;
+        text.FormatV(format, args);
+        const std::string expected = addedItem([&] { log.WriteLogStr(text); });
+        EXPECT_EQ(addedItem([&] { EXPECT_EQ(log.WriteLogFormat(format, again), 0); }), expected);
+        va_end(again);
+        va_end(args);
+    }
+};
+
+TEST_F(FileLogFormat, WritesThePiecesOfAPlainFormat) {
+    EXPECT_EQ(addedItem([&] {
+                  EXPECT_EQ(writeFormat("[%s] %d|%u|0x%x|%c|100%%\n", "f", -5, 7U, 255U, 'c'), 0);
+              }),
+              "0,,,, [f] -5|7|0xff|c|100%\n");
+}
+
+TEST_F(FileLogFormat, WritesWhatWriteLogStrWritesOfTheText) {
+    const std::string big(1 << 20, 'x');
+    expectSameAsText("no conversion\n");
+    expectSameAsText("%s", "");
+    expectSameAsText("[%s]='%s'\n", big.c_str(), big.c_str());
+    expectSameAsText("%d%d%d%d\n", INT_MIN, INT_MAX, 0, -1);
+    expectSameAsText("%5d|%-5s|%.2s|%ld\n", 5, "ab", "abc", 7L);
+    expectSameAsText("a%cb%s\n", '\0', "behind a NUL");
+    expectSameAsText("%s%s%s%s%s%s%s%s%s%s%s%s%s%s%s%s%s%s", "1", "2", "3", "4", "5", "6", "7", "8",
+                     "9", "a", "b", "c", "d", "e", "f", "g", "h", "i");
+}
+
+TEST_F(FileLogFormat, NullTextAndNullFormatAreWrittenAsTexts) {
+    const char* const null = nullptr;
+    EXPECT_EQ(addedItem([&] { writeFormat("%s\n", null); }), "0,,,, (null)\n");
+    EXPECT_EQ(addedItem([&] { writeFormat(null); }), "0,,,, ");
+}
+
+TEST_F(FileLogFormat, IsFilteredAsWriteLogStrIs) {
+    log.SetLogLevel(-1);
+    EXPECT_EQ(added([&] { EXPECT_EQ(writeFormat("%d\n", 5), 0); }), "");
+    log.SetLogLevel(1);
+    EXPECT_EQ(addedItem([&] { EXPECT_EQ(writeFormat("%d\n", 5), 0); }), "0,,,, 5\n");
+}
+
+TEST_F(FileLogFormat, IsRefusedByAClosedLog) {
+    log.Close();
+    EXPECT_EQ(added([&] {
+                  EXPECT_EQ(writeFormat("%d\n", 5), -1);
+                  EXPECT_EQ(writeFormat("%5d\n", 5), -1);
+              }),
+              "");
 }
 
 TEST_F(FileLogWrite, NullItemCountsAsEmpty) {

@@ -51,18 +51,19 @@ void expectReading(Convert convert, const Reading<Number>& reading) {
 
 class ToInt : public testing::TestWithParam<Reading<int>> {};
 TEST_P(ToInt, ReadsANumberOrGivesTheDefault) { expectReading(toInt, GetParam()); }
-INSTANTIATE_TEST_SUITE_P(Rows, ToInt,
-                         testing::Values(Reading<int>{"  42 ", 42, true},
-                                         Reading<int>{"-42", -42, true},
-                                         Reading<int>{"007", 7, true}, Reading<int>{"1-2", 1, true},
-                                         Reading<int>{"-", 7, true}, Reading<int>{"--5", 7, true},
-                                         Reading<int>{"2147483647", INT_MAX, true},
-                                         Reading<int>{"2147483648", INT_MAX, true},
-                                         Reading<int>{"-2147483649", INT_MIN, true},
-                                         Reading<int>{"99999999999999999999", INT_MAX, true},
-                                         Reading<int>{"4x", 7, false}, Reading<int>{"", 7, false},
-                                         Reading<int>{nullptr, 7, false},
-                                         Reading<int>{"+4", 7, false}));
+INSTANTIATE_TEST_SUITE_P(
+    Rows, ToInt,
+    testing::Values(
+        Reading<int>{"  42 ", 42, true}, Reading<int>{"-42", -42, true},
+        Reading<int>{"007", 7, true}, Reading<int>{"1-2", 1, true}, Reading<int>{"0", 0, true},
+        Reading<int>{"5-", 5, true}, Reading<int>{"999999999", 999999999, true},
+        Reading<int>{"1000000000", 1000000000, true}, Reading<int>{"0000000012", 12, true},
+        Reading<int>{"123456789 ", 123456789, true}, Reading<int>{"123456789x", 7, false},
+        Reading<int>{"-", 7, true}, Reading<int>{"--5", 7, true},
+        Reading<int>{"2147483647", INT_MAX, true}, Reading<int>{"2147483648", INT_MAX, true},
+        Reading<int>{"-2147483649", INT_MIN, true},
+        Reading<int>{"99999999999999999999", INT_MAX, true}, Reading<int>{"4x", 7, false},
+        Reading<int>{"", 7, false}, Reading<int>{nullptr, 7, false}, Reading<int>{"+4", 7, false}));
 
 class ToInt64 : public testing::TestWithParam<Reading<long long>> {};
 TEST_P(ToInt64, ReadsANumberOrGivesTheDefault) { expectReading(toINT64, GetParam()); }

@@ -59,21 +59,63 @@ bool isBeyondLimit(int descriptor, std::size_t bytes) {
            static_cast<rlim_t>(status.st_size) + bytes > limit;
 }
 
-// What is left to be written.
-struct Rest {
-    iovec* piece;
-    int count;
-
-    void drop(std::size_t bytes) {
-        while (count > 0 && bytes >= piece->iov_len) {
-            bytes -= piece->iov_len;
-            ++piece;
-            --count;
-        }
-        if (count == 0) return;
-        piece->iov_base = static_cast<char*>(piece->iov_base) + bytes;
-        piece->iov_len -= bytes;
+// What goes into a file in one call: a short line put together in a buffer, which costs less than
+// handing the system its pieces, or the pieces of a long one.
+class Bytes {
+  public:
+    Bytes(std::initializer_list<std::string_view> head, std::span<const std::string_view> text) {
+        assert(head.size() <= kMostHeadPieces && text.size() <= kMostLogTextPieces);
+        for (const std::string_view piece : head) add(piece);
+        for (const std::string_view piece : text) add(piece);
+        if (m_total <= m_line.size()) join();
     }
+    Bytes(const Bytes&) = delete;
+    Bytes& operator=(const Bytes&) = delete;
+
+    std::size_t total() const { return m_total; }
+
+    // Writes what is left; as `writev`.
+    ssize_t write(int descriptor) const {
+        return m_count == 1 ? ::write(descriptor, m_next->iov_base, m_next->iov_len)
+                            : writev(descriptor, m_next, m_count);
+    }
+
+    // Makes what follows the first `bytes` what is left.
+    void drop(std::size_t bytes) {
+        while (m_count > 0 && bytes >= m_next->iov_len) {
+            bytes -= m_next->iov_len;
+            ++m_next;
+            --m_count;
+        }
+        if (m_count == 0) return;
+        m_next->iov_base = static_cast<char*>(m_next->iov_base) + bytes;
+        m_next->iov_len -= bytes;
+    }
+
+  private:
+    static constexpr std::size_t kMostHeadPieces = 4;
+
+    void add(std::string_view piece) {
+        m_pieces[static_cast<std::size_t>(m_count++)] = {const_cast<char*>(piece.data()),
+                                                         piece.size()};
+        m_total += piece.size();
+    }
+
+    void join() {
+        char* end = m_line.data();
+        for (int i = 0; i < m_count; ++i) {
+            end = static_cast<char*>(std::memcpy(end, m_next[i].iov_base, m_next[i].iov_len)) +
+                  m_next[i].iov_len;
+        }
+        m_pieces[0] = {m_line.data(), m_total};
+        m_count = 1;
+    }
+
+    std::array<iovec, kMostHeadPieces + kMostLogTextPieces> m_pieces;
+    std::array<char, 2048> m_line;
+    iovec* m_next = m_pieces.data();
+    int m_count = 0;
+    std::size_t m_total = 0;
 };
 
 }  // namespace
@@ -99,28 +141,21 @@ std::FILE* openLogFile(const char* path, const char* mode) {
     return file;
 }
 
-std::size_t writeToLogFile(std::FILE* file, std::initializer_list<std::string_view> pieces) {
-    std::array<iovec, 8> vectors;
-    assert(pieces.size() <= vectors.size());
-    Rest rest{vectors.data(), 0};
-    std::size_t total = 0;
-    for (const std::string_view piece : pieces) {
-        vectors[static_cast<std::size_t>(rest.count++)] = {const_cast<char*>(piece.data()),
-                                                           piece.size()};
-        total += piece.size();
-    }
+std::size_t writeToLogFile(std::FILE* file, std::initializer_list<std::string_view> head,
+                           std::span<const std::string_view> text) {
+    Bytes bytes(head, text);
     const int descriptor = fileno(file);
-    if (isBeyondLimit(descriptor, total)) {
+    if (isBeyondLimit(descriptor, bytes.total())) {
         errno = EFBIG;
         return 0;
     }
     std::size_t written = 0;
-    while (written < total) {
-        const ssize_t count = writev(descriptor, rest.piece, rest.count);
+    while (written < bytes.total()) {
+        const ssize_t count = bytes.write(descriptor);
         if (count < 0 && errno == EINTR) continue;
         if (count <= 0) break;
         written += static_cast<std::size_t>(count);
-        if (written < total) rest.drop(static_cast<std::size_t>(count));
+        bytes.drop(static_cast<std::size_t>(count));
     }
     return written;
 }

@@ -3,6 +3,8 @@
 #include <charconv>
 #include <cstring>
 
+#include "SharedName.h"
+
 namespace {
 
 char* append(char* out, std::string_view text) {
@@ -22,7 +24,11 @@ bool LogLineHeader::stamp(int processId, const CString& moduleName) {
     // The low 32 bits of the thread's id, signed: kept as published.
     end = append(append(end, ","), static_cast<int>(logThreadId()));
     end = append(end, ",");
+    if (char* const nameEnd = copySharedName(moduleName, end, kMostName)) {
+        end = nameEnd;
+    } else {
+        m_longName = sharedName(moduleName);
+    }
     m_length = static_cast<std::size_t>(end - m_text.data());
-    m_moduleName = moduleName;
     return true;
 }

@@ -24,7 +24,7 @@ class PriorityLine {
 
   private:
     // Nearly every item fits here and so needs no memory of its own.
-    std::array<char, 1024> m_short;
+    std::array<char, 2048> m_short;
     std::unique_ptr<char[]> m_long;
     const char* m_line;
 };

@@ -1,5 +1,6 @@
 #include "SharedName.h"
 
+#include <cstring>
 #include <mutex>
 #include <new>
 
@@ -17,6 +18,14 @@ void setSharedName(CString& name, const char* value) {
 CString sharedName(const CString& name) {
     const std::lock_guard guard(s_names);
     return name;
+}
+
+char* copySharedName(const CString& name, char* out, std::size_t room) {
+    const std::lock_guard guard(s_names);
+    const std::size_t length = static_cast<std::size_t>(name.GetLength());
+    if (length > room) return nullptr;
+    std::memcpy(out, name, length);
+    return out + length;
 }
 
 void lockSharedNames() { s_names.lock(); }

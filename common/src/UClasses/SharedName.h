@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+
 #include "CString.h"
 
 /// The names that log objects keep are set without the log's lock while writers read them. These
@@ -10,6 +12,10 @@ void setSharedName(CString& name, const char* value);
 
 /// @return `name`.
 CString sharedName(const CString& name);
+
+/// Copies the characters of `name` to `out` if there are at most `room` of them.
+/// @return the end of the copy, or null when they are more.
+char* copySharedName(const CString& name, char* out, std::size_t room);
 
 /// The lock around a fork: taken before; given back in the parent; made anew in the child.
 void lockSharedNames();

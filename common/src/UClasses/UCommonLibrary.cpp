@@ -1,6 +1,8 @@
 #include "UCommonLibrary.h"
 
+#include "CString.h"
 #include "ForkHooks.h"
+#include "FormattedLog.h"
 #include "IUErrorLog.h"
 
 // Here rather than with the interface: whoever uses the pointer gets the object behind it.
@@ -20,6 +22,16 @@ namespace {
 UCommonLibrary s_library;
 
 }  // namespace
+
+void writeFormatted(IUErrorLog& log, const char* format, va_list args) {
+    if (&log == &s_library.log()) {
+        s_library.log().WriteLogFormat(format, args);
+        return;
+    }
+    CString text;
+    text.FormatV(format, args);
+    log.WriteLogStr(text);
+}
 
 void prepareLogForFork() { s_library.log().PrepareFork(); }
 

@@ -1,15 +1,14 @@
 #include "UFileErrorLog.h"
 
-#include <array>
 #include <cerrno>
 #include <exception>
 #include <memory>
 #include <new>
 #include <string_view>
 
+#include "../m_strings/PlainFormat.h"
 #include "LogFile.h"
 #include "LogLineHeader.h"
-#include "PriorityLine.h"
 #include "SharedName.h"
 #include "UAutoSync.h"
 #include "URaise.h"
@@ -18,7 +17,8 @@
 namespace {
 
 constexpr unsigned int kWritesBetweenLooks = 50;
-constexpr int kByteBlockPriority = 4;
+constexpr std::string_view kColumn = "0,,,, ";
+constexpr std::string_view kByteBlockColumn = "4,,,, ";
 
 struct CloseFile {
     void operator()(std::FILE* file) const { std::fclose(file); }
@@ -84,19 +84,32 @@ int UFileErrorLog::Close() {
     return 0;
 }
 
-int UFileErrorLog::WriteLogItem(const char* text) {
+int UFileErrorLog::WriteLine(std::string_view column, std::span<const std::string_view> text) {
     const UAutoSync sync(m_lock);
     std::FILE* const file = m_file.load(std::memory_order_acquire);
     if (file == nullptr) return -1;
-    const std::string_view item = text != nullptr ? text : "";
     int result = -1;
     LogLineHeader header;
     if (generateLogLineHeader(header)) {
-        writeToLogFile(file, {header.beforeModule(), header.moduleName(), ", ", item});
-        result = static_cast<int>(item.size());
+        writeToLogFile(file, {header.text(), header.longName(), ", ", column}, text);
+        result = 0;
     }
     CheckForRotation();
     return result;
+}
+
+int UFileErrorLog::WriteLogItem(const char* text) {
+    const std::string_view item = text != nullptr ? text : "";
+    return WriteLine("", {&item, 1}) == 0 ? static_cast<int>(item.size()) : -1;
+}
+
+int UFileErrorLog::WriteLogFormat(const char* format, va_list args) {
+    if (GetLogLevel() < 1) return 0;
+    PlainFormat plain;
+    if (format != nullptr && plain.Read(format, args)) return WriteLine(kColumn, plain.Pieces());
+    CString text;
+    text.FormatV(format, args);
+    return WriteErrorStr(text) < 0 ? -1 : 0;
 }
 
 int UFileErrorLog::WriteLogByte(unsigned char* data, unsigned int length) {
@@ -115,25 +128,9 @@ int UFileErrorLog::WriteLogByte(unsigned char* data, unsigned int length) {
 }
 
 int UFileErrorLog::WriteLogByte(const char* text, unsigned char* data, unsigned int length) {
-    const UAutoSync sync(m_lock);
-    std::FILE* const file = m_file.load(std::memory_order_acquire);
-    if (file == nullptr || (data == nullptr && length != 0)) return -1;
-    int result = -1;
-    LogLineHeader header;
-    if (generateLogLineHeader(header)) {
-        std::array<char, PriorityLine::kMaxColumn> column;
-        const char* const end = PriorityLine::writeColumn(column.data(), kByteBlockPriority);
-        writeToLogFile(file, {header.beforeModule(),
-                              header.moduleName(),
-                              ", ",
-                              {column.data(), static_cast<std::size_t>(end - column.data())},
-                              text != nullptr ? text : "",
-                              viewOf(data, length),
-                              "\n"});
-        result = static_cast<int>(length);
-    }
-    CheckForRotation();
-    return result;
+    if (data == nullptr && length != 0) return -1;
+    const std::string_view pieces[] = {text != nullptr ? text : "", viewOf(data, length), "\n"};
+    return WriteLine(kByteBlockColumn, pieces) == 0 ? static_cast<int>(length) : -1;
 }
 
 // The copy shares its characters with the member, and only that keeps them.

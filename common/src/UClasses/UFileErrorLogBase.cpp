@@ -53,7 +53,7 @@ CString UFileErrorLogBase::generateFileHeader() {
 }
 
 bool UFileErrorLogBase::generateLogLineHeader(LogLineHeader& header) const {
-    return header.stamp(m_processId, sharedName(m_moduleName));
+    return header.stamp(m_processId, m_moduleName);
 }
 
 bool UFileErrorLogBase::needRotation(const char* path) const {

@@ -23,21 +23,7 @@ constinit const char afxChNil = '\0';
 
 const char* const& AfxGetEmptyString() { return afxPchNil; }
 
-// Order of the count. Up: whoever copies already holds the block, so nothing needs ordering. Down:
-// an owner's last reads of the text must come before the block is freed or written by another,
-// so the decrement releases and the reader of the count acquires. A count of 1 read that way stays
-// 1, for only an owner can raise it.
-long CString::RefCount(const CStringData* data) {
-    return __atomic_load_n(&data->refCount, __ATOMIC_ACQUIRE);
-}
-
 std::size_t CString::SafeStrlen(const char* text) { return text == nullptr ? 0 : strlen(text); }
-
-void CString::SetLength(std::size_t length) {
-    if (IsNil()) return;
-    GetData()->dataLength = static_cast<int>(length);
-    m_pchData[length] = '\0';
-}
 
 // Points the object at a new block, or at the empty record; the present block stays the caller's
 // to release.
@@ -74,11 +60,6 @@ void CString::Detach(std::size_t capacity) {
         SetLength(static_cast<std::size_t>(old->dataLength));
     }
     Release(old);
-}
-
-void CString::CopyBeforeWrite() {
-    const CStringData* const data = GetData();
-    if (RefCount(data) >= 2) Detach(static_cast<std::size_t>(data->dataLength));
 }
 
 // Makes room for a new text of `length` bytes. Returns the block that was left for a new one, still

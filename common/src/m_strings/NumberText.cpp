@@ -45,6 +45,15 @@ Number numberOr(const char* text, Number def, bool* ok, Read read) {
     return acceptable ? read(text) : def;
 }
 
+// The value of a text of one to nine digits and nothing else, as nearly every number is.
+std::optional<int> fewDigits(const char* text) {
+    int value = 0;
+    const char* at = text;
+    for (; *at >= '0' && *at <= '9' && at - text < 9; ++at) value = value * 10 + (*at - '0');
+    if (at == text || *at != '\0') return std::nullopt;
+    return value;
+}
+
 // Runs `convert`; what it raises ends here and gives `def`.
 template <class Value, class Convert>
 Value guarded(const UCaughtIn& in, Value def, bool* ok, Convert convert) {
@@ -141,6 +150,12 @@ bool isNumber(const char* text) {
 }
 
 int toInt(const char* text, int def, bool* ok) {
+    if (text != nullptr) {
+        if (const auto value = fewDigits(text)) {
+            set(ok, true);
+            return *value;
+        }
+    }
     return numberOr(text, def, ok, [def](const char* t) { return SScanInt(t).value_or(def); });
 }
 

@@ -4,7 +4,6 @@
 #include <charconv>
 #include <cstring>
 #include <functional>
-#include <string_view>
 
 namespace {
 
@@ -12,22 +11,26 @@ constexpr std::size_t kNumberRoom = 32;
 constexpr std::size_t kCharacterRoom = 2;
 constexpr std::string_view kNullText = "(null)";
 
-char* writeNumber(char* out, unsigned int number, char kind) {
-    char* const end = out + kNumberRoom;
-    switch (kind) {
-        case 'd':
-            return std::to_chars(out, end, static_cast<int>(number)).ptr;
-        case 'x':
-            return std::to_chars(out, end, number, 16).ptr;
-        default:
-            return std::to_chars(out, end, number).ptr;
-    }
-}
-
 }  // namespace
 
-void PlainFormat::AddText(const char* text, std::size_t length) {
-    m_pieces[m_count++] = {text, length, 0, 's'};
+void PlainFormat::AddPiece(std::string_view piece) {
+    if (!m_ended) m_pieces[m_count++] = piece;
+}
+
+void PlainFormat::AddNumber(char kind, unsigned int number) {
+    char* const begin = m_digits.data() + m_count * kMostDigits;
+    char* end = begin + kMostDigits;
+    switch (kind) {
+        case 'd':
+            end = std::to_chars(begin, end, static_cast<int>(number)).ptr;
+            break;
+        case 'x':
+            end = std::to_chars(begin, end, number, 16).ptr;
+            break;
+        default:
+            end = std::to_chars(begin, end, number).ptr;
+    }
+    AddPiece({begin, end});
 }
 
 bool PlainFormat::Add(char kind, va_list& args) {
@@ -35,17 +38,24 @@ bool PlainFormat::Add(char kind, va_list& args) {
         case 's': {
             const char* const text = va_arg(args, const char*);
             const std::string_view shown = text == nullptr ? kNullText : std::string_view(text);
-            AddText(shown.data(), shown.length());
+            AddPiece(shown);
             m_estimate += std::max(shown.length(), std::size_t{1});
             return true;
         }
         case 'd':
         case 'u':
         case 'x':
-        case 'c':
-            m_pieces[m_count++] = {nullptr, 0, va_arg(args, unsigned int), kind};
-            m_estimate += kind == 'c' ? kCharacterRoom : kNumberRoom;
+            AddNumber(kind, va_arg(args, unsigned int));
+            m_estimate += kNumberRoom;
             return true;
+        case 'c': {
+            char& character = m_digits[m_count * kMostDigits];
+            character = static_cast<char>(va_arg(args, int));
+            m_ended = m_ended || character == '\0';
+            AddPiece({&character, 1});
+            m_estimate += kCharacterRoom;
+            return true;
+        }
         default:
             return false;
     }
@@ -62,7 +72,7 @@ bool PlainFormat::Read(const char* format, va_list args) {
         const bool doubled = *at == '%' && at[1] == '%';
         const std::size_t length = static_cast<std::size_t>(at - run) + (doubled ? 1 : 0);
         plain = m_count + 2 <= m_pieces.size();
-        if (plain && length != 0) AddText(run, length);
+        if (plain && length != 0) AddPiece({run, length});
         m_estimate += length;
         if (*at == '\0') break;
         ++at;
@@ -74,24 +84,15 @@ bool PlainFormat::Read(const char* format, va_list args) {
 }
 
 bool PlainFormat::TookOwnText(const char* own, std::size_t size) const {
-    return std::any_of(m_pieces.begin(), m_pieces.begin() + m_count, [&](const Piece& piece) {
-        return !std::less<>()(piece.text, own) && std::less<>()(piece.text, own + size);
+    return std::ranges::any_of(Pieces(), [&](std::string_view piece) {
+        return !std::less<>()(piece.data(), own) && std::less<>()(piece.data(), own + size);
     });
 }
 
 char* PlainFormat::Write(char* out) const {
-    for (std::size_t i = 0; i < m_count; ++i) {
-        const Piece& piece = m_pieces[i];
-        if (piece.kind == 's') {
-            if (piece.length != 0) memcpy(out, piece.text, piece.length);
-            out += piece.length;
-        } else if (piece.kind != 'c') {
-            out = writeNumber(out, piece.number, piece.kind);
-        } else if (const char ch = static_cast<char>(piece.number); ch != '\0') {
-            *out++ = ch;
-        } else {
-            break;
-        }
+    for (const std::string_view piece : Pieces()) {
+        memcpy(out, piece.data(), piece.length());
+        out += piece.length();
     }
     return out;
 }

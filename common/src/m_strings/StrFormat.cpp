@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <climits>
 #include <cstring>
+#include <span>
 #include <utility>
 
 #include "TextLength.h"
@@ -86,14 +87,14 @@ StrFormat& StrFormat::EscapeAndFill(std::string_view value) {
 StrFormat& StrFormat::Fill(std::string_view value) {
     const Placeholder next = FindArgEscapes();
     if (next.count != 0) {
-        // Held until the end: the value may stand in what was read.
-        const CString rendered(std::move(m_rendered));
-        const CString read(m_templateRead ? m_template : CString());
-        m_templateRead = false;
-        if (next.count == 1) {
-            ReplaceOnly(next.digit, value);
+        if (m_templateRead || !m_rendered.IsEmpty()) {
+            // Held until the end: the value may stand in what was read.
+            const CString rendered(std::move(m_rendered));
+            const CString read(m_template);
+            m_templateRead = false;
+            FillPlaces(next, value);
         } else {
-            ReplaceAll(next.digit, value);
+            FillPlaces(next, value);
         }
     } else if (m_appendIfNoPlaceholder) {
         KeepTextRead();
@@ -106,6 +107,14 @@ StrFormat& StrFormat::Fill(std::string_view value) {
         m_template.ReleaseBuffer(static_cast<int>(newLength));
     }
     return *this;
+}
+
+void StrFormat::FillPlaces(const Placeholder& next, std::string_view value) {
+    if (next.count == 1) {
+        ReplaceOnly(next.digit, value);
+    } else {
+        ReplaceAll(next.digit, value);
+    }
 }
 
 StrFormat::Placeholder StrFormat::FindArgEscapes() const {
@@ -146,7 +155,7 @@ char* StrFormat::MakeRoom(std::size_t length) {
     return m_template.GetBuffer(static_cast<int>(room));
 }
 
-// Fills the one place of `digit`.
+// Fills the one place of `digit`, the lowest number that is left.
 void StrFormat::ReplaceOnly(int digit, std::string_view value) {
     const Places filled = m_places[static_cast<std::size_t>(digit)];
     const std::size_t at = static_cast<std::size_t>(filled.first);
@@ -159,7 +168,7 @@ void StrFormat::ReplaceOnly(int digit, std::string_view value) {
 
     m_places[static_cast<std::size_t>(digit)] = {};
     const int shift = static_cast<int>(value.length()) - 2;
-    for (Places& places : m_places) {
+    for (Places& places : std::span(m_places).subspan(static_cast<std::size_t>(digit) + 1)) {
         if (places.first > filled.first) places.first += shift;
     }
 }
