@@ -3,24 +3,18 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
-#include <string>
+#include <array>
+#include <barrier>
 #include <thread>
-#include <vector>
 
 #include "CString.h"
+#include "on_threads.h"
 #include "text_of.h"
 
 namespace {
 
 constexpr int kThreads = 8;
 constexpr int kRounds = 20000;
-
-void onThreads(int count, const std::function<void(int)>& work) {
-    std::vector<std::thread> threads;
-    for (int i = 0; i < count; ++i) threads.emplace_back(work, i);
-    for (std::thread& thread : threads) thread.join();
-}
 
 TEST(CStringThreads, CopyAssignAndDestroyOneBlock) {
     const CString shared("a text that all of them share");
@@ -49,17 +43,25 @@ TEST(CStringThreads, LastOwnersGoOnDifferentThreads) {
 }
 
 TEST(CStringThreads, SharersModifyAtOnce) {
-    for (int i = 0; i < 2000; ++i) {
-        std::vector<CString> sharers(2, CString("text"));
+    std::array<CString, 2> sharers;
+    const auto share = [&sharers] {
+        sharers[0] = CString("text");
         sharers[1] = sharers[0];
-        onThreads(2, [&sharers](int at) {
+    };
+    share();
+    std::barrier bothModified(2, [&]() noexcept {
+        EXPECT_EQ(textOf(sharers[0]), "Aext-one");
+        EXPECT_EQ(textOf(sharers[1]), "Bext-two");
+        share();
+    });
+    onThreads(2, [&](int at) {
+        for (int i = 0; i < 50000; ++i) {
             CString& mine = sharers[static_cast<std::size_t>(at)];
             mine.SetAt(0, at == 0 ? 'A' : 'B');
             mine += at == 0 ? "-one" : "-two";
-        });
-        ASSERT_EQ(textOf(sharers[0]), "Aext-one");
-        ASSERT_EQ(textOf(sharers[1]), "Bext-two");
-    }
+            bothModified.arrive_and_wait();
+        }
+    });
 }
 
 TEST(CStringThreads, AllUseTheEmptyText) {

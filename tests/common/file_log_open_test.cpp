@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -9,6 +10,20 @@
 #include "file_log_home.h"
 #include "row_name.h"
 #include "sandbox_main.h"
+
+namespace {
+
+bool g_modesStay = false;
+
+}  // namespace
+
+// The linker sends every call of chmod here.
+extern "C" {
+int __real_chmod(const char* path, mode_t mode);
+int __wrap_chmod(const char* path, mode_t mode) {
+    return g_modesStay ? 0 : __real_chmod(path, mode);
+}
+}
 
 namespace {
 
@@ -119,6 +134,24 @@ TEST_F(FileLogOpen, FailsNotWhenTheLogsFolderCannotBeMade) {
 TEST_F(FileLogOpen, FileIsForTheUserAloneUnlessRootMakesIt) {
     open();
     EXPECT_EQ(modeOf(path()), sandboxUserIsRoot() ? 0644U : 0600U);
+}
+
+// Not even between its making and the setting of its permissions.
+TEST_F(FileLogOpen, FileIsNeverForOthersWhateverTheMask) {
+    const mode_t before = umask(0);
+    g_modesStay = true;
+    open();
+    g_modesStay = false;
+    umask(before);
+    EXPECT_EQ(modeOf(path()), 0600U);
+}
+
+TEST_F(FileLogOpen, PermissionsBehindALinkAreThoseOfItsTarget) {
+    std::ofstream(path() + ".target").close();
+    std::filesystem::create_symlink(path() + ".target", path());
+    open();
+    EXPECT_EQ(modeOf(path() + ".target"), sandboxUserIsRoot() ? 0644U : 0600U);
+    EXPECT_TRUE(std::filesystem::is_symlink(path()));
 }
 
 TEST_F(FileLogOpen, PermissionsOfAnOldFileAreSetToo) {

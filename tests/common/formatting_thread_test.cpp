@@ -16,7 +16,7 @@
 namespace {
 
 constexpr int kThreads = 8;
-constexpr int kRounds = 2000;
+constexpr int kRounds = 12500;
 
 // Counts what is written, from any thread.
 class CountingLog final : public IUErrorLog {

@@ -296,7 +296,7 @@ TEST_F(LogSettingsAsUser, ReadersAndWritersOfOneFileDoNotDisturbEachOther) {
             }
         });
     }
-    for (int i = 0; i < 2000; ++i) ULogSettings::setLogLevel(i % 2 == 0 ? 31 : 63, 0);
+    for (int i = 0; i < 25000; ++i) ULogSettings::setLogLevel(i % 2 == 0 ? 31 : 63, 0);
     done = true;
     for (std::thread& reader : readers) reader.join();
     EXPECT_EQ(ULogSettings::getLogLevel(), 63u);

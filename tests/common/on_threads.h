@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <thread>
+#include <vector>
 
 /// @return what `action` gives on another thread.
 template <class Action>
@@ -11,6 +12,14 @@ auto onAnotherThread(Action action) {
     decltype(action()) result{};
     std::thread([&] { result = action(); }).join();
     return result;
+}
+
+/// Runs `action(number)` on `count` threads at once, numbered from 0, and waits for their ends.
+template <class Action>
+void onThreads(int count, Action action) {
+    std::vector<std::thread> threads;
+    for (int i = 0; i < count; ++i) threads.emplace_back(action, i);
+    for (std::thread& thread : threads) thread.join();
 }
 
 /// The time that `action` takes, by the time of day, which is what deadlines are.

@@ -6,6 +6,7 @@
 #include <chrono>
 #include <stdexcept>
 #include <thread>
+#include <type_traits>
 #include <vector>
 
 #include "UAutoSync.h"
@@ -78,6 +79,10 @@ TEST(AutoSync, LeavesTheSectionFreeWhenAnExceptionEndsItsScope) {
         },
         std::runtime_error);
     EXPECT_TRUE(isFree(section));
+}
+
+TEST(AutoSync, MayRaiseAtTheEndOfItsScope) {
+    EXPECT_FALSE(std::is_nothrow_destructible_v<UAutoSync>);
 }
 
 TEST(Mutex, IsTakenAgainByItsHolderOnly) {

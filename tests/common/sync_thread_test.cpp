@@ -3,31 +3,20 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <thread>
-#include <vector>
 
 #include "UEvent.h"
 #include "UMutex.h"
 #include "USemaphore.h"
+#include "on_threads.h"
+#include "signal_storm.h"
 
 namespace {
 
-template <class Action>
-void onThreads(int count, Action action) {
-    std::vector<std::thread> threads;
-    for (int i = 0; i < count; ++i) threads.emplace_back(action, i);
-    for (std::thread& thread : threads) thread.join();
-}
+// Contention for one object of each class. What comes out does not depend on signals.
 
-class EventContention : public testing::TestWithParam<bool> {};
-
-INSTANTIATE_TEST_SUITE_P(Kinds, EventContention, testing::Bool(), [](const auto& kind) {
-    return std::string(kind.param ? "ManualReset" : "AutoReset");
-});
-
-TEST_P(EventContention, SettersResettersAndWaitersGetOnlyStatedResults) {
-    constexpr int kSteps = 15000;
-    UEvent event(GetParam(), false);
+void contendForEvent(bool manualReset) {
+    constexpr int kSteps = 20000;
+    UEvent event(manualReset, false);
     onThreads(6, [&](int thread) {
         for (int step = 0; step < kSteps; ++step) {
             if (thread < 2) {
@@ -42,6 +31,62 @@ TEST_P(EventContention, SettersResettersAndWaitersGetOnlyStatedResults) {
     });
     event.set();
     EXPECT_EQ(event.wait(kWaitForever), kWaitAcquired);
+}
+
+void contendForSemaphore() {
+    constexpr int kProducers = 3;
+    constexpr int kConsumers = 3;
+    constexpr int kSteps = 20000;
+    constexpr int kInitial = 2;
+    USemaphore semaphore(kInitial, 10);
+    std::atomic<int> taken{0};
+    onThreads(kProducers + kConsumers, [&](int thread) {
+        for (int step = 0; step < kSteps; ++step) {
+            if (thread < kProducers) {
+                ASSERT_TRUE(semaphore.Release());
+            } else if (semaphore.Acquire(step % 50 == 0 ? 1 : 0) == kWaitAcquired) {
+                ++taken;
+            }
+        }
+    });
+    while (semaphore.Acquire(0) == kWaitAcquired) ++taken;
+    EXPECT_GE(taken, kInitial);
+    EXPECT_LE(taken, kInitial + kProducers * kSteps);
+}
+
+void contendForMutex() {
+    constexpr int kSteps = 25000;
+    UMutex mutex;
+    int count = 0;
+    std::atomic<int> expected{0};
+    onThreads(4, [&](int thread) {
+        for (int step = 0; step < kSteps; ++step) {
+            const bool limited = thread == 0 && step % 1000 == 0;
+            if (mutex.Acquire(limited ? 1 : kWaitForever) != kWaitAcquired) continue;
+            ASSERT_EQ(mutex.Acquire(0), kWaitAcquired);
+            ASSERT_EQ(mutex.Acquire(kWaitForever), kWaitAcquired);
+            ++count;
+            ++expected;
+            for (int depth = 0; depth < 3; ++depth) ASSERT_TRUE(mutex.Release());
+        }
+    });
+    EXPECT_EQ(count, expected);
+    EXPECT_GE(count, 3 * kSteps);
+}
+
+class EventContention : public testing::TestWithParam<bool> {};
+
+INSTANTIATE_TEST_SUITE_P(Kinds, EventContention, testing::Bool(), [](const auto& kind) {
+    return std::string(kind.param ? "ManualReset" : "AutoReset");
+});
+
+TEST_P(EventContention, SettersResettersAndWaitersGetOnlyStatedResults) {
+    contendForEvent(GetParam());
+}
+
+TEST_P(EventContention, IsUndisturbedByAStormOfSignals) {
+    const SignalStorm storm;
+    contendForEvent(GetParam());
 }
 
 TEST_P(EventContention, TwoThreadsWakeEachOtherInTurn) {
@@ -68,25 +113,11 @@ TEST_P(EventContention, TwoThreadsWakeEachOtherInTurn) {
     EXPECT_EQ(turns, 2 * kTurns);
 }
 
-TEST(SemaphoreContention, NobodyTakesMoreThanWasReleased) {
-    constexpr int kProducers = 3;
-    constexpr int kConsumers = 3;
-    constexpr int kSteps = 20000;
-    constexpr int kInitial = 2;
-    USemaphore semaphore(kInitial, 10);
-    std::atomic<int> taken{0};
-    onThreads(kProducers + kConsumers, [&](int thread) {
-        for (int step = 0; step < kSteps; ++step) {
-            if (thread < kProducers) {
-                ASSERT_TRUE(semaphore.Release());
-            } else if (semaphore.Acquire(step % 50 == 0 ? 1 : 0) == kWaitAcquired) {
-                ++taken;
-            }
-        }
-    });
-    while (semaphore.Acquire(0) == kWaitAcquired) ++taken;
-    EXPECT_GE(taken, kInitial);
-    EXPECT_LE(taken, kInitial + kProducers * kSteps);
+TEST(SemaphoreContention, NobodyTakesMoreThanWasReleased) { contendForSemaphore(); }
+
+TEST(SemaphoreContention, IsUndisturbedByAStormOfSignals) {
+    const SignalStorm storm;
+    contendForSemaphore();
 }
 
 TEST(SemaphoreContention, EveryReleaseBelowTheCeilingIsTaken) {
@@ -104,24 +135,11 @@ TEST(SemaphoreContention, EveryReleaseBelowTheCeilingIsTaken) {
     EXPECT_EQ(semaphore.Acquire(0), kWaitTimedOut);
 }
 
-TEST(MutexContention, ThreeDeepHoldersExcludeEachOther) {
-    constexpr int kSteps = 20000;
-    UMutex mutex;
-    int count = 0;
-    std::atomic<int> expected{0};
-    onThreads(4, [&](int thread) {
-        for (int step = 0; step < kSteps; ++step) {
-            const bool limited = thread == 0 && step % 1000 == 0;
-            if (mutex.Acquire(limited ? 1 : kWaitForever) != kWaitAcquired) continue;
-            ASSERT_EQ(mutex.Acquire(0), kWaitAcquired);
-            ASSERT_EQ(mutex.Acquire(kWaitForever), kWaitAcquired);
-            ++count;
-            ++expected;
-            for (int depth = 0; depth < 3; ++depth) ASSERT_TRUE(mutex.Release());
-        }
-    });
-    EXPECT_EQ(count, expected);
-    EXPECT_GE(count, 3 * kSteps);
+TEST(MutexContention, ThreeDeepHoldersExcludeEachOther) { contendForMutex(); }
+
+TEST(MutexContention, IsUndisturbedByAStormOfSignals) {
+    const SignalStorm storm;
+    contendForMutex();
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 // Events and semaphores: what a wait gives and when. Only lower limits of time are exact.
 
 #include <gtest/gtest.h>
-#include <sys/time.h>
 
 #include <cerrno>
 #include <chrono>
@@ -17,6 +16,7 @@
 #include "posix_calls.h"
 #include "record_log.h"
 #include "row_name.h"
+#include "signal_storm.h"
 
 namespace {
 
@@ -315,26 +315,6 @@ TEST(Semaphore, SignalsAWaitEvenWhenAReleaseIsLost) {
     EXPECT_EQ(semaphore.Acquire(1000), kWaitTimedOut);
     EXPECT_EQ(countOf(PosixCall::condSignal), 1);
 }
-
-// A signal every millisecond while it lives.
-class SignalStorm {
-  public:
-    SignalStorm() {
-        struct sigaction action {};
-        action.sa_handler = [](int) {};
-        sigaction(SIGALRM, &action, &m_oldAction);
-        const itimerval often{{0, 1000}, {0, 1000}};
-        setitimer(ITIMER_REAL, &often, nullptr);
-    }
-    ~SignalStorm() {
-        const itimerval never{};
-        setitimer(ITIMER_REAL, &never, nullptr);
-        sigaction(SIGALRM, &m_oldAction, nullptr);
-    }
-
-  private:
-    struct sigaction m_oldAction {};
-};
 
 TEST(TimedWaits, LastTheirTimeUnderAStormOfSignals) {
     UMutex held;

@@ -1,7 +1,10 @@
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <functional>
+#include <optional>
 
+#include "UFileErrorLog.h"
 #include "fault_points.h"
 #include "notify_data.h"
 #include "np_entry.h"
@@ -52,10 +55,14 @@ NPNetscapeFuncs quietBrowser() {
     return table;
 }
 
-class AllocationFailure : public testing::TestWithParam<bool> {
+// The process's log while a test runs.
+enum class LogKind { kAbsent, kSilent, kFile };
+
+class AllocationFailure : public testing::TestWithParam<LogKind> {
   protected:
     AllocationFailure() {
-        errorLog = hasLog() ? &m_log : nullptr;
+        if (GetParam() == LogKind::kSilent) errorLog = &m_log;
+        std::filesystem::create_directories(library() + "/Logs");
         removeServiceFiles();
         EXPECT_EQ(NP_Initialize(&m_browser), 0);
         EXPECT_EQ(NP_GetEntryPoints(&plugin), 0);
@@ -67,10 +74,31 @@ class AllocationFailure : public testing::TestWithParam<bool> {
     }
     ~AllocationFailure() override {
         removeServiceFiles();
+        std::filesystem::remove_all(library());
         errorLog = nullptr;
     }
 
-    static bool hasLog() { return GetParam(); }
+    static bool hasLog() { return GetParam() != LogKind::kAbsent; }
+    static std::string library() { return std::string(std::getenv("HOME")) + "/Library"; }
+
+    // A log in a file, made and destroyed where the allocations are counted.
+    class FileLog {
+      public:
+        FileLog() {
+            if (GetParam() == LogKind::kFile) errorLog = &m_log.emplace();
+        }
+        ~FileLog() { close(); }
+        FileLog(const FileLog&) = delete;
+        FileLog& operator=(const FileLog&) = delete;
+
+        void close() {
+            if (m_log) errorLog = nullptr;
+            m_log.reset();
+        }
+
+      private:
+        std::optional<UFileErrorLog> m_log;
+    };
 
     void setParameters(const std::vector<std::pair<const char*, const char*>>& parameters) {
         m_names.clear();
@@ -114,10 +142,12 @@ class AllocationFailure : public testing::TestWithParam<bool> {
         int live = 0;
         {
             const AllocationFault fault(nth);
+            FileLog file;
             result = create();
             isHit = fault.allocations() >= nth;
             isAlive = handle.pdata != nullptr;
             if (isAlive) plugin.destroy(&handle, nullptr);
+            file.close();
             live = fault.live();
         }
         EXPECT_EQ(live, 0) << "allocation " << nth;
@@ -173,6 +203,7 @@ TEST_P(AllocationFailure, InAConversationCostsNoMoreThanTheConversation) {
         bool isAlive = false;
         {
             const AllocationFault fault(nth);
+            FileLog file;
             if (create() == 0) {
                 void* value = nullptr;
                 plugin.setwindow(&handle, &window);
@@ -183,6 +214,7 @@ TEST_P(AllocationFailure, InAConversationCostsNoMoreThanTheConversation) {
             }
             isAlive = handle.pdata != nullptr;
             isHit = fault.allocations() >= nth;
+            file.close();
             live = fault.live();
         }
         EXPECT_EQ(live, 0) << "allocation " << nth;
@@ -198,6 +230,7 @@ TEST_P(AllocationFailure, InStartUpIsNoMoreThanAnError) {
         NPError result = 0;
         {
             const AllocationFault fault(nth);
+            const FileLog file;
             result = NP_Initialize(&table);
             isHit = fault.allocations() >= nth;
         }
@@ -206,8 +239,12 @@ TEST_P(AllocationFailure, InStartUpIsNoMoreThanAnError) {
     EXPECT_EQ(NP_Initialize(&table), 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(LogObject, AllocationFailure, testing::Bool(),
-                         [](const auto& row) { return row.param ? "Present" : "Absent"; });
+INSTANTIATE_TEST_SUITE_P(LogObject, AllocationFailure,
+                         testing::Values(LogKind::kAbsent, LogKind::kSilent, LogKind::kFile),
+                         [](const auto& row) {
+                             constexpr const char* kNames[] = {"Absent", "Present", "InAFile"};
+                             return kNames[static_cast<int>(row.param)];
+                         });
 
 // Who owns a converted property name.
 

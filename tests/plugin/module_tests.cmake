@@ -4,6 +4,8 @@
 set(plugin_module_tests entry_points initialize parameters soak stream)
 set(plugin_service_tests
     decision
+    real_log
+    real_log_settings
     relay
     relay_lifetime
     relay_logging

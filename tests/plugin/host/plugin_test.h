@@ -27,6 +27,9 @@ class UninitializedPluginTest : public testing::Test {
     /// NP_Initialize and NP_GetEntryPoints as a browser calls them; both must answer 0.
     void start();
 
+    /// Gives the plug-in the log object back that it was loaded with, which writes to a file.
+    void useOwnLog() { module->errorLog() = m_logAtLoad; }
+
     /// Takes the plug-in's log object away, as before any has been made.
     void removeLog() { module->errorLog() = nullptr; }
 
