@@ -18,7 +18,7 @@ class UFileErrorLogBase : public UObject, public IUErrorLog {
 
     /// Sets the module name, which stands in every line and names the module's level in the
     /// settings, when `name` is exactly "module_name". Other names are ignored; a null `value`
-    /// counts as "".
+    /// counts as "". A name that finds no memory is not taken.
     void setParam(const char* name, const char* value) override;
 
   protected:

@@ -27,6 +27,7 @@ long openDescriptors() {
 }
 
 TEST_F(FileLogTest, OpenWithoutMemoryIsEnomemAndLeavesItClosed) {
+    const std::string name = path();
     const long descriptors = openDescriptors();
     int refused = 0;
     failingEach([&](int n) {
@@ -35,7 +36,7 @@ TEST_F(FileLogTest, OpenWithoutMemoryIsEnomemAndLeavesItClosed) {
         bool failed = false;
         {
             const FailingAllocation failing(n);
-            result = fresh.Open(path().c_str(), "a");
+            result = fresh.Open(name.c_str(), "a");
             failed = failing.happened();
         }
         if (result != 0) {

@@ -61,7 +61,7 @@ enum class LogKind { kAbsent, kSilent, kFile };
 class AllocationFailure : public testing::TestWithParam<LogKind> {
   protected:
     AllocationFailure() {
-        if (GetParam() == LogKind::kSilent) errorLog = &m_log;
+        errorLog = GetParam() == LogKind::kSilent ? &m_log : nullptr;
         std::filesystem::create_directories(library() + "/Logs");
         removeServiceFiles();
         EXPECT_EQ(NP_Initialize(&m_browser), 0);
@@ -239,12 +239,14 @@ TEST_P(AllocationFailure, InStartUpIsNoMoreThanAnError) {
     EXPECT_EQ(NP_Initialize(&table), 0);
 }
 
+std::string nameOf(const testing::TestParamInfo<LogKind>& row) {
+    constexpr const char* kNames[] = {"Absent", "Present", "InAFile"};
+    return kNames[static_cast<int>(row.param)];
+}
+
 INSTANTIATE_TEST_SUITE_P(LogObject, AllocationFailure,
                          testing::Values(LogKind::kAbsent, LogKind::kSilent, LogKind::kFile),
-                         [](const auto& row) {
-                             constexpr const char* kNames[] = {"Absent", "Present", "InAFile"};
-                             return kNames[static_cast<int>(row.param)];
-                         });
+                         nameOf);
 
 // Who owns a converted property name.
 

@@ -6,6 +6,7 @@
 
 #include <clocale>
 #include <cstring>
+#include <new>
 
 #include "LogLineHeader.h"
 #include "SharedName.h"
@@ -30,10 +31,12 @@ CString location() {
 
 UFileErrorLogBase::UFileErrorLogBase() : m_processId(getpid()), m_rotationSize(kRotationSize) {}
 
-void UFileErrorLogBase::setParam(const char* name, const char* value) {
+void UFileErrorLogBase::setParam(const char* name, const char* value) try {
     if (name != nullptr && std::strcmp(name, "module_name") == 0) {
         setSharedName(m_moduleName, value);
     }
+} catch (const std::bad_alloc&) {
+    // The lines that follow stand under the old name rather than nowhere.
 }
 
 bool UFileErrorLogBase::getFileSize(const char* path, unsigned long long& size) {
