@@ -57,8 +57,10 @@ TEST(ListThreads, PairsAreAddedRemovedAndFound) {
                 list.removeItem(0);
             } else if (thread == 1) {
                 list.findItem("name2", 0);
-            } else if (list.getCount() < kMostItems) {
+            } else if (i % 2 == 0) {
                 ASSERT_EQ(list.addItem(name.c_str(), "value"), 0);
+            } else {
+                list.removeItem(i % kMostItems);
             }
         }
     });
@@ -72,8 +74,10 @@ TEST(ListThreads, BlobsAreAddedRemovedAndFound) {
                 list.removeItem(0);
             } else if (thread == 1) {
                 list.findItem("other");
-            } else if (list.getCount() < kMostItems) {
+            } else if (i % 2 == 0) {
                 ASSERT_TRUE(list.addItem("name", "value", 5));
+            } else {
+                list.removeItem(i % kMostItems);
             }
         }
     });
