@@ -31,7 +31,7 @@ TEST(ListThreads, AddingAndDeletingAndFindingDoNotDisturbEachOther) {
             switch (thread) {
                 case 0:
                 case 1:
-                    if (list.getCount() < kMostItems) list.addObject(new UObject);
+                    if (list.addObject(new UObject) > kMostItems) list.deleteObject(0);
                     break;
                 case 2:
                     list.deleteObject(0);
