@@ -95,7 +95,9 @@ class Bytes {
   private:
     static constexpr std::size_t kMostHeadPieces = 4;
 
+    // An empty piece may have no characters at all, which no copy may be asked for.
     void add(std::string_view piece) {
+        if (piece.empty()) return;
         m_pieces[static_cast<std::size_t>(m_count++)] = {const_cast<char*>(piece.data()),
                                                          piece.size()};
         m_total += piece.size();
