@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string_view>
+
 #include "UPatternMatch.h"
 
 /// Matches host names, in whatever case, by a pattern with asterisks: "*.example.com".
@@ -28,7 +30,10 @@ class UDNSMatch final : public URootMatch {
     friend class UExpressionMatch;
 
     int _setPattern(const char* text);
-    bool MatchLowerCase(const char* text) const { return m_state != -1 && m_host.match(text); }
+    // Requires: a NUL behind the text.
+    bool MatchLowerCase(std::string_view text) const {
+        return m_state != -1 && m_host.MatchText(text);
+    }
 
     CString m_pattern;
     int m_state = -1;      // 1: there is a pattern

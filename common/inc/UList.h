@@ -36,7 +36,7 @@ class UList : public UObject {
     int deleteObject(int index);
 
     /// @return the object at `index`, or null when there is no such entry.
-    UObject* getObject(int index) const;
+    UObject* getObject(int index) const { return has(index) ? objects()[index] : nullptr; }
 
     /// @return the number of entries.
     int getCount() const { return m_count; }

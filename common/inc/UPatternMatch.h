@@ -18,13 +18,18 @@ class UPatternMatch final : public URootMatch {
     /// @return 0.
     int setPattern(const char* text) override { return _setPattern(text); }
     const char* getPattern() const override { return m_pattern; }
-    bool match(const char* text) const override;
+    bool match(const char* text) const override { return text != nullptr && MatchText(text); }
     /// @return whether the number's decimal text matches.
     bool matchAsDWORD(unsigned int value) const override;
     CString toString() const override { return m_pattern; }
 
   private:
+    friend class UDNSMatch;
+    friend class UExpressionMatch;
+
     int _setPattern(const char* text);
+    // Requires: a NUL behind the text.
+    bool MatchText(std::string_view text) const;
 
     CString m_pattern;
     UStrings m_parts;

@@ -56,8 +56,6 @@ int UList::removeObject2(int index) {
     return m_count;
 }
 
-UObject* UList::getObject(int index) const { return has(index) ? objects()[index] : nullptr; }
-
 bool UList::emptyList() {
     m_count = 0;
     return m_Objects.malloc(0) != nullptr;

@@ -33,7 +33,7 @@ bool UDNSMatch::match(const char* text) const {
     if (text == nullptr) return false;
     CString lower(text);
     lower.MakeLower();
-    return MatchLowerCase(lower);
+    return MatchLowerCase(static_cast<const char*>(lower));
 }
 
 int UDNSMatch::normalize(const char* text, CString& out, char /*delimiter*/) const {

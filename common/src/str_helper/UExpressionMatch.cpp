@@ -4,6 +4,7 @@
 #include <cstring>
 #include <memory>
 #include <new>
+#include <string_view>
 #include <utility>
 
 #include "../m_strings/TextLength.h"
@@ -136,10 +137,13 @@ bool UExpressionMatch::Find(const char* text, const Found& found) const {
         case kDns: {
             CString lower(text);
             lower.MakeLower();
-            return Ask<UDNSMatch>([&](const auto& m) { return m.MatchLowerCase(lower); }, found);
+            const std::string_view host(lower);
+            return Ask<UDNSMatch>([&](const auto& m) { return m.MatchLowerCase(host); }, found);
         }
-        default:
-            return Ask<UPatternMatch>([&](const auto& m) { return m.match(text); }, found);
+        default: {
+            const std::string_view view(text);
+            return Ask<UPatternMatch>([&](const auto& m) { return m.MatchText(view); }, found);
+        }
     }
 }
 

@@ -20,11 +20,10 @@ int UPatternMatch::_setPattern(const char* text) {
     return 0;
 }
 
-bool UPatternMatch::match(const char* text) const {
-    return text != nullptr &&
-           matchWildcard(text, static_cast<int>(m_flatParts.size()), [this](int index) {
-               return m_flatParts[static_cast<std::size_t>(index)];
-           });
+bool UPatternMatch::MatchText(std::string_view text) const {
+    return matchWildcard(text, static_cast<int>(m_flatParts.size()), [this](int index) {
+        return m_flatParts[static_cast<std::size_t>(index)];
+    });
 }
 
 bool UPatternMatch::matchAsDWORD(unsigned int value) const { return match(createString(value)); }
