@@ -98,7 +98,7 @@ void UExpressionMatch::AddMatchers(const char* normal, unsigned int type, char d
     for (int i = 0; i < pieces.getCount(); ++i) {
         std::unique_ptr<URootMatch> matcher(createMatchObject(type, pieces.getItem(i)));
         if (m_matchers.addObject(matcher.get()) < 0) throw std::bad_alloc();
-        matcher.release();
+        static_cast<void>(matcher.release());
     }
 }
 
