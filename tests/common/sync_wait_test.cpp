@@ -159,8 +159,9 @@ TEST(Deadline, IsTheTimeOfDayAndTheTimeout) {
         ASSERT_EQ(waitDeadlines().size(), 1u);
         const timespec deadline = waitDeadlines()[0];
         EXPECT_LT(deadline.tv_nsec, 1000000000);
-        const std::chrono::system_clock::time_point time(
-            std::chrono::seconds(deadline.tv_sec) + std::chrono::nanoseconds(deadline.tv_nsec));
+        using Clock = std::chrono::system_clock;
+        const Clock::time_point time(std::chrono::duration_cast<Clock::duration>(
+            std::chrono::seconds(deadline.tv_sec) + std::chrono::nanoseconds(deadline.tv_nsec)));
         EXPECT_GE(time - before, milliseconds(timeout) - std::chrono::microseconds(1));
         EXPECT_LE(time - after, milliseconds(timeout));
     }

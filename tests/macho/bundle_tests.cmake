@@ -8,6 +8,11 @@ zerva_bundle_test(bundle_is_reproducible "${CMAKE_CURRENT_SOURCE_DIR}/bundle/rep
                   "${PROJECT_SOURCE_DIR}" "${CMAKE_CURRENT_BINARY_DIR}")
 set_tests_properties(macho.bundle_is_reproducible PROPERTIES TIMEOUT 600)
 
+add_test(NAME macho.missing_tools
+         COMMAND "${sandbox}" -- python3 -B
+                 "${CMAKE_CURRENT_SOURCE_DIR}/bundle/missing_tools_test.py" "${PROJECT_SOURCE_DIR}")
+set_tests_properties(macho.missing_tools PROPERTIES LABELS macho)
+
 set(archive "${PROJECT_SOURCE_DIR}/build/bundle/zerva-ssl-vpn-plugin-1.0.0.tar.gz")
 set(install_test python3 -B "${CMAKE_CURRENT_SOURCE_DIR}/packaging/install_test.py" "${archive}")
 zerva_bundle_test(installs_for_all_users "${sandbox}" -- ${install_test})

@@ -7,39 +7,13 @@
 #include <cstdint>
 #include <cstdio>
 
+#include "open_flags.h"
 #include "symbol_table.h"
 #include "variadic.h"
 
-namespace {
-
-struct Flag {
-    int mac;
-    int host;
-};
-
-// <sys/fcntl.h> of both.
-constexpr Flag kOpenFlags[] = {
-    {0x4, O_NONBLOCK},   {0x8, O_APPEND},         {0x100, O_NOFOLLOW},
-    {0x200, O_CREAT},    {0x400, O_TRUNC},        {0x800, O_EXCL},
-    {0x20000, O_NOCTTY}, {0x100000, O_DIRECTORY}, {0x1000000, O_CLOEXEC}};
-constexpr int kMacCreate = 0x200;
-constexpr int kAccessMode = 3;
-
-int hostOpenFlags(int flags) {
-    int result = flags & kAccessMode;
-    for (const Flag& flag : kOpenFlags)
-        if ((flags & flag.mac) != 0) result |= flag.host;
-    return result;
-}
-
-int macOpenFlags(int flags) {
-    int result = flags & kAccessMode;
-    for (const Flag& flag : kOpenFlags)
-        if ((flags & flag.host) == flag.host) result |= flag.mac;
-    return result;
-}
-
-}  // namespace
+using macho::libsystem::hostOpenFlags;
+using macho::libsystem::kMacCreate;
+using macho::libsystem::macOpenFlags;
 
 MAC_CALL int macOpen(const char* path, int flags, MacArguments arguments) {
     const int mode = (flags & kMacCreate) != 0 ? MAC_NEXT(arguments, int) : 0;
@@ -137,6 +111,7 @@ using MacMode = std::uint16_t;
 int changeMode(const char* path, MacMode mode) { return chmod(path, mode); }
 int changeFileMode(int file, MacMode mode) { return fchmod(file, mode); }
 int makeFolder(const char* path, MacMode mode) { return mkdir(path, mode); }
+int makePipe(const char* path, MacMode mode) { return mkfifo(path, mode); }
 
 // The names of the streams are variables there.
 FILE* g_input;
@@ -161,6 +136,7 @@ void addFiles(SymbolTable& table) {
     table.addCall("_chmod", changeMode);
     table.addCall("_fchmod", changeFileMode);
     table.addCall("_mkdir", makeFolder);
+    table.addCall("_mkfifo", makePipe);
 }
 
 }  // namespace macho::libsystem

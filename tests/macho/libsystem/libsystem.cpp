@@ -8,8 +8,9 @@ namespace {
 
 SymbolTable makeTable() {
     SymbolTable table;
-    for (const auto add : {addCharacters, addErrors, addExits, addFiles, addFormats, addMemory,
-                           addProcesses, addSignals, addSockets, addSystem, addThreads, addTime})
+    for (const auto add :
+         {addCharacters, addErrors, addExits, addFiles, addFolders, addFormats, addMemory,
+          addProcesses, addSignals, addSockets, addSystem, addThreads, addTime, addWaits})
         add(table);
     return table;
 }

@@ -6,9 +6,11 @@
 #include <unistd.h>
 
 #include <cstdint>
+#include <string>
 #include <vector>
 
 #include "errors.h"
+#include "libsystem.h"
 #include "signals.h"
 #include "symbol_table.h"
 #include "variadic.h"
@@ -73,14 +75,30 @@ pid_t waitForProcess(pid_t process, int* status, int options) {
     return ended;
 }
 
+// What an image looks up is what it would have imported.
+void* lookUp(void* /*library*/, const char* name) { return find("_" + std::string(name)); }
+
 // <sys/resource.h> of a Mac: the first six limits bear the same numbers, "none" is another one.
+constexpr rlim_t kMacNone = (rlim_t{1} << 63) - 1;
+
+__rlimit_resource_t hostLimit(int which) {
+    constexpr __rlimit_resource_t kHigher[] = {RLIMIT_MEMLOCK, RLIMIT_NPROC, RLIMIT_NOFILE};
+    return which < 6 ? static_cast<__rlimit_resource_t>(which) : kHigher[(which - 6) % 3];
+}
+
 int getLimit(int which, rlimit* limit) {
-    constexpr rlim_t kMacNone = (rlim_t{1} << 63) - 1;
-    const int result = getrlimit(static_cast<__rlimit_resource_t>(which), limit);
+    const int result = getrlimit(hostLimit(which), limit);
     if (result != 0) return result;
     if (limit->rlim_cur == RLIM_INFINITY) limit->rlim_cur = kMacNone;
     if (limit->rlim_max == RLIM_INFINITY) limit->rlim_max = kMacNone;
     return 0;
+}
+
+int setLimit(int which, const rlimit* limit) {
+    rlimit host = *limit;
+    if (host.rlim_cur == kMacNone) host.rlim_cur = RLIM_INFINITY;
+    if (host.rlim_max == kMacNone) host.rlim_max = RLIM_INFINITY;
+    return setrlimit(hostLimit(which), &host);
 }
 
 }  // namespace
@@ -88,12 +106,13 @@ int getLimit(int which, rlimit* limit) {
 void addProcesses(SymbolTable& table) {
     table.addCall("_execl", varExecl);
     table.addCall("_getrlimit", getLimit);
+    table.addCall("_setrlimit", setLimit);
     table.addCall("_getpwuid", userById);
     table.addCall("_getpwuid_r", copyUserById);
     table.addCall("_waitpid", waitForProcess);
     table.addVariable("_environ", &environ);
     table.addCall("_dlopen", dlopen);
-    table.addCall("_dlsym", dlsym);
+    table.addCall("_dlsym", lookUp);
 }
 
 }  // namespace macho::libsystem

@@ -18,14 +18,15 @@ const std::unordered_set<std::string_view>& alike() {
         "strcmp", "strcpy", "strcspn", "strdup", "strlen", "strncasecmp", "strncmp", "strncpy",
         "strnlen", "strpbrk", "strrchr", "strspn", "strstr", "strtod", "strtof", "strtol",
         "strtoll", "strtoul", "strtoull", "wcslen", "wmemchr", "wmemcmp", "wmemcpy", "wmemmove",
-        "wmemset", "atoi", "atol", "qsort", "bsearch", "catopen", "catgets", "catclose",
+        "wmemset", "mbstowcs", "wcstombs", "fputwc", "getwc", "ungetwc", "atoi", "atol", "qsort",
+        "bsearch", "catopen", "catgets", "catclose",
         // files
         "close", "dup", "dup2", "fclose", "fdopen", "feof", "ferror", "fflush", "fgetc", "fgets",
         "fileno", "flock", "fputc", "fputs", "fread", "fseek", "fseeko", "fsync", "ftell", "ftello",
         "ftruncate", "fwrite", "getc", "getcwd", "isatty", "link", "lseek", "mkdtemp", "mkstemp",
         "pipe", "pread", "putchar", "puts", "pwrite", "read", "readlink", "remove", "rename",
-        "rewind", "rmdir", "setvbuf", "symlink", "truncate", "ungetc", "unlink", "write", "writev",
-        "fchown", "chown", "access",
+        "rewind", "rmdir", "setbuf", "setvbuf", "symlink", "tmpfile", "truncate", "ungetc",
+        "unlink", "write", "writev", "fchown", "chown", "access", "chdir",
         // processes and users
         "_exit", "execv", "fork", "getegid", "getenv", "geteuid", "getgid", "getpgid", "getpid",
         "getppid", "getuid", "setenv", "sleep", "umask", "unsetenv", "usleep",

@@ -28,6 +28,7 @@ void addCharacters(SymbolTable& table);
 void addErrors(SymbolTable& table);
 void addExits(SymbolTable& table);
 void addFiles(SymbolTable& table);
+void addFolders(SymbolTable& table);
 void addFormats(SymbolTable& table);
 void addMemory(SymbolTable& table);
 void addProcesses(SymbolTable& table);
@@ -36,6 +37,7 @@ void addSockets(SymbolTable& table);
 void addSystem(SymbolTable& table);
 void addThreads(SymbolTable& table);
 void addTime(SymbolTable& table);
+void addWaits(SymbolTable& table);
 
 /// @return this system's own function for a call that both systems have alike; null for others.
 void* sameCall(const std::string& name);

@@ -1,15 +1,25 @@
 #include <sys/utsname.h>
+#include <syslog.h>
 
 #include <clocale>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <iterator>
 
 #include "symbol_table.h"
+#include "variadic.h"
 
 // The calls that the product has on this system under a Mac's names, with a Mac's layouts.
 #include <mach-o/dyld.h>
 #include <sys/sysctl.h>
+
+// The levels are the same.
+MAC_CALL int macSyslog(int level, const char* format, MacArguments arguments) {
+    vsyslog(level, format, hostArguments(arguments));
+    return 0;
+}
+MAC_VARIADIC_2(int, Syslog, int, const char*);
 
 namespace macho::libsystem {
 
@@ -59,6 +69,24 @@ void* newLocale(int /*mask*/, const char* /*name*/, void* /*base*/) {
 int freeLocale(void* /*locale*/) { return 0; }
 void* useLocale(void* locale) { return locale; }
 
+// <crt_externs.h> of a Mac: what the program was started with.
+char g_program[] = "image";
+char* g_arguments[] = {g_program, nullptr};
+char** g_argumentList = g_arguments;
+int g_argumentCount = 1;
+int* argumentCount() { return &g_argumentCount; }
+char*** argumentList() { return &g_argumentList; }
+
+// <mach/task.h>: a process's threads are not to be had here.
+std::uint32_t g_task = 0;
+int listThreads(std::uint32_t /*task*/, void* /*list*/, void* /*count*/) {
+    constexpr int kFailure = 5;
+    return kFailure;
+}
+int freePages(std::uint32_t /*task*/, std::uintptr_t /*address*/, std::uintptr_t /*size*/) {
+    return 0;
+}
+
 }  // namespace
 
 void addSystem(SymbolTable& table) {
@@ -69,6 +97,12 @@ void addSystem(SymbolTable& table) {
     table.addCall("_uselocale", useLocale);
     table.addCall("_sysctl", sysctl);
     table.addCall("__NSGetExecutablePath", _NSGetExecutablePath);
+    table.addCall("__NSGetArgc", argumentCount);
+    table.addCall("__NSGetArgv", argumentList);
+    table.addCall("_syslog", varSyslog);
+    table.addVariable("_mach_task_self_", &g_task);
+    table.addCall("_task_threads", listThreads);
+    table.addCall("_vm_deallocate", freePages);
 }
 
 }  // namespace macho::libsystem

@@ -1,3 +1,5 @@
+#include <sys/time.h>
+
 #include <cstdint>
 #include <ctime>
 
@@ -34,6 +36,31 @@ std::uint64_t ticks() {
            static_cast<std::uint64_t>(now.tv_nsec);
 }
 
+// The microseconds are a word of 32 bits there; what stands behind it means nothing.
+struct MacInterval {
+    std::int64_t seconds;
+    std::int32_t microseconds;
+};
+struct MacTimer {
+    MacInterval next;
+    MacInterval value;
+};
+static_assert(sizeof(MacTimer) == 32);
+
+timeval hostTime(const MacInterval& time) { return {time.seconds, time.microseconds}; }
+
+int setTimer(int which, const MacTimer* timer, MacTimer* before) {
+    const itimerval wanted = {hostTime(timer->next), hostTime(timer->value)};
+    itimerval old;
+    const int result = setitimer(static_cast<__itimer_which>(which), &wanted, &old);
+    if (result != 0 || before == nullptr) return result;
+    const auto macTime = [](const timeval& time) {
+        return MacInterval{time.tv_sec, static_cast<std::int32_t>(time.tv_usec)};
+    };
+    *before = {macTime(old.it_interval), macTime(old.it_value)};
+    return 0;
+}
+
 // A tick is a nanosecond.
 int tickLength(std::uint32_t* fraction) {
     fraction[0] = fraction[1] = 1;
@@ -44,6 +71,7 @@ int tickLength(std::uint32_t* fraction) {
 
 void addTime(SymbolTable& table) {
     table.addCall("_clock_gettime", readClock);
+    table.addCall("_setitimer", setTimer);
     table.addCall("_mach_absolute_time", ticks);
     table.addCall("_mach_timebase_info", tickLength);
 }

@@ -1,0 +1,32 @@
+// The library, compiled for macOS, passes the tests of its core.
+
+#include <gmock/gmock.h>
+
+#include <cstdio>
+
+#include "images.h"
+#include "loader/macho_image.h"
+
+namespace {
+
+using macho::MachoImage;
+
+TEST(LibraryImage, HasAStandInForEverythingThatItImports) {
+    EXPECT_THAT(MachoImage(imagePath("library_test")).unbound(), testing::IsEmpty());
+}
+
+TEST(LibraryImage, PassesItsTests) {
+    const MachoImage image(imagePath("library_test"));
+    using RunTests = int (*)(int, char**, int*);
+    const auto run = reinterpret_cast<RunTests>(image.symbol("runTests"));
+    ASSERT_NE(run, nullptr);
+    char name[] = "library_test";
+    char brief[] = "--gtest_brief=1";
+    char* arguments[] = {name, brief, nullptr};
+    int passed = 0;
+    std::fflush(nullptr);
+    EXPECT_EQ(run(2, arguments, &passed), 0);
+    EXPECT_GT(passed, 700);
+}
+
+}  // namespace
