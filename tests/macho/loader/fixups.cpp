@@ -12,6 +12,10 @@ namespace {
 
 constexpr std::uint64_t kPointer = 8;
 
+// What a pointer carries beside the address: on ARM, the mark of a C++ type's name that is not the
+// only one (Itanium C++ ABI, the vendor's part).
+constexpr std::uint64_t kTag = 0xFF00'0000'0000'0000;
+
 enum RebaseOpcode : std::uint8_t {
     kRebaseDone = 0x00,
     kRebaseSetType = 0x10,
@@ -63,7 +67,9 @@ class Position {
 void rebase(const Mapping& mapping, Position& position, std::uint64_t times, std::uint64_t skip) {
     for (; times > 0; --times) {
         std::uint8_t* pointer = position.pointer();
-        store(pointer, mapping.at(load<std::uint64_t>(pointer), 0));
+        const auto target = load<std::uint64_t>(pointer);
+        const auto place = reinterpret_cast<std::uintptr_t>(mapping.at(target & ~kTag, 0));
+        store(pointer, place | (target & kTag));
         position.advance(kPointer + skip);
     }
 }
