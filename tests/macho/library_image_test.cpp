@@ -15,6 +15,13 @@ TEST(LibraryImage, HasAStandInForEverythingThatItImports) {
     EXPECT_THAT(MachoImage(imagePath("library_test")).unbound(), testing::IsEmpty());
 }
 
+// In the emulator this one takes longer than all others together; it runs in the Intel half.
+#if defined(__aarch64__)
+char g_filter[] = "--gtest_filter=-CStringModel.*";
+#else
+char g_filter[] = "--gtest_filter=*";
+#endif
+
 TEST(LibraryImage, PassesItsTests) {
     const MachoImage image(imagePath("library_test"));
     using RunTests = int (*)(int, char**, int*);
@@ -22,10 +29,10 @@ TEST(LibraryImage, PassesItsTests) {
     ASSERT_NE(run, nullptr);
     char name[] = "library_test";
     char brief[] = "--gtest_brief=1";
-    char* arguments[] = {name, brief, nullptr};
+    char* arguments[] = {name, brief, g_filter, nullptr};
     int passed = 0;
     std::fflush(nullptr);
-    EXPECT_EQ(run(2, arguments, &passed), 0);
+    EXPECT_EQ(run(3, arguments, &passed), 0);
     EXPECT_GT(passed, 700);
 }
 

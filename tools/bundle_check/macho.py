@@ -20,6 +20,10 @@ LC_SYMTAB = 0x2
 LC_LOAD_DYLIB = 0xC
 LC_LOAD_WEAK_DYLIB = 0x18 | LC_REQ_DYLD
 LC_REEXPORT_DYLIB = 0x1F | LC_REQ_DYLD
+LC_LAZY_LOAD_DYLIB = 0x20
+LC_LOAD_UPWARD_DYLIB = 0x23 | LC_REQ_DYLD
+LIBRARY_COMMANDS = (LC_LOAD_DYLIB, LC_LOAD_WEAK_DYLIB, LC_REEXPORT_DYLIB, LC_LAZY_LOAD_DYLIB,
+                    LC_LOAD_UPWARD_DYLIB)
 LC_RPATH = 0x1C | LC_REQ_DYLD
 LC_CODE_SIGNATURE = 0x1D
 LC_DYLD_INFO = 0x22
@@ -168,7 +172,7 @@ def _read_symbols(image, offset):
 
 def _read_command(image, command, offset):
     data = image.bytes
-    if command in (LC_LOAD_DYLIB, LC_LOAD_WEAK_DYLIB, LC_REEXPORT_DYLIB):
+    if command in LIBRARY_COMMANDS:
         image.libraries.append(data.text(offset + data.word(offset + 8)))
     elif command == LC_RPATH:
         image.run_paths.append(data.text(offset + data.word(offset + 8)))

@@ -3,6 +3,7 @@
     check_bundle_test.py BUNDLE CHECK_BUNDLE
 """
 
+import plistlib
 import struct
 import subprocess
 import sys
@@ -18,6 +19,8 @@ MH_DYLIB = 6
 LC_RPATH = 0x8000001C
 LC_CHAINED_FIXUPS = 0x80000034
 LC_SOURCE_VERSION = 0x2A
+# To load a library at once, if it is there, as one's own, at first use, and from its user.
+LIBRARY_COMMANDS = (0xC, 0x80000018, 0x8000001F, 0x20, 0x80000023)
 LC_BUILD_VERSION = 0x32
 LC_VERSION_MIN_MACOSX = 0x24
 
@@ -82,6 +85,12 @@ class CheckBundle(unittest.TestCase):
         self.bundle.module.chmod(0o644)
         self.expect("cannot be executed; chmod 755")
 
+    def test_a_service_program_that_cannot_be_executed(self):
+        helper = self.bundle.path / "Contents/Helpers/nevo"
+        helper.write_text("#!/bin/sh\n")
+        helper.chmod(0o644)
+        self.expect("Contents/Helpers/nevo cannot be executed; chmod 755")
+
     def test_a_module_that_is_missing(self):
         self.bundle.module.unlink()
         self.expect("is missing, which Info.plist names")
@@ -96,6 +105,10 @@ class CheckBundle(unittest.TestCase):
         for text in ("", "<plist><dict><key>A</key></dict>", "junk", "<?xml version='1.0'?><plist"):
             self.bundle.plist.write_text(text)
             self.expect("Contents/Info.plist cannot be read")
+
+    def test_a_property_list_that_is_no_dictionary(self):
+        self.bundle.plist.write_bytes(plistlib.dumps(["CFBundleName"]))
+        self.expect("Contents/Info.plist is not a dictionary")
 
     def test_keys_that_say_something_else(self):
         for key in ("CFBundleInfoDictionaryVersion", "CFBundlePackageType",
@@ -154,6 +167,10 @@ class CheckBundle(unittest.TestCase):
                                                               data[offset:offset + size]))
         self.expect("the module is not a universal file")
 
+    def test_a_list_of_slices_without_end(self):
+        self.bundle.edit_module(lambda data: data.__setitem__(slice(4, 8), b"\0\0\1\0"))
+        self.expect("the module's list of slices makes no sense")
+
     def test_bytes_behind_the_last_slice(self):
         self.bundle.edit_module(lambda data: data.extend(b"more"))
         self.expect("has bytes behind its last slice")
@@ -179,6 +196,21 @@ class CheckBundle(unittest.TestCase):
         self.expect("arm64 slice: does not begin on a page")
 
     # --- the slices ---
+
+    def expect_unreadable_slice(self, change, fault):
+        for arch in CPU:
+            with self.subTest(arch), tempfile.TemporaryDirectory() as scratch:
+                self.bundle = BrokenBundle(GOOD, scratch)
+                self.bundle.edit_slice(arch, change, sign=False)
+                self.expect(f"the {arch} slice {fault}")
+
+    def test_a_slice_that_is_no_image(self):
+        self.expect_unreadable_slice(lambda image: image.__setitem__(slice(0, 4), b"\x7fELF"),
+                                     "is not a 64-bit Mach-O image")
+
+    def test_a_load_command_without_a_size(self):
+        self.expect_unreadable_slice(lambda image: image.__setitem__(slice(36, 40), bytes(4)),
+                                     "has a load command without a size")
 
     def test_another_file_type(self):
         self.expect_in_both_slices(
@@ -219,6 +251,13 @@ class CheckBundle(unittest.TestCase):
         self.expect_in_both_slices(
             lambda image: replace(image, b"/usr/lib/libSystem.B", b"/opt/lib/libSystem.B"),
             "needs /opt/lib/libSystem.B.dylib", "does not name libSystem")
+
+    def test_another_library_by_whatever_command(self):
+        for kind in LIBRARY_COMMANDS:
+            def load(image, kind=kind):
+                at = command(image, LC_UUID)
+                image[at:at + 24] = struct.pack("<III12s", kind, 24, 12, b"/opt/x.dylib")[:23] + b"\0"
+            self.expect_in_both_slices(load, "needs /opt/x.dyli")
 
     def test_a_search_path_for_libraries(self):
         def add(image):
