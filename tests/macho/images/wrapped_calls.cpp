@@ -3,6 +3,7 @@
 
 #include <dlfcn.h>
 #include <pthread.h>
+#include <sys/time.h>
 
 #include <atomic>
 #include <cstdlib>
@@ -11,19 +12,20 @@
 extern "C" {
 
 // What finds the platform's function must not allocate or lock: no static that is made at first
-// use.
-#define WRAP(Result, name, parameters, arguments)                                   \
-    Result __wrap_##name parameters;                                                \
-    __attribute__((visibility("hidden"))) Result name parameters {                  \
-        return __wrap_##name arguments;                                             \
-    }                                                                               \
-    Result __real_##name parameters;                                                \
-    Result __real_##name parameters {                                               \
-        static constinit std::atomic<Result(*) parameters> real = nullptr;          \
-        if (real == nullptr)                                                        \
-            real = reinterpret_cast<Result(*) parameters>(dlsym(RTLD_NEXT, #name)); \
-        return real.load() arguments;                                               \
-    }                                                                               \
+// use. A call that nobody here puts something before is the platform's at once.
+#define WRAP(Result, name, parameters, arguments)                                             \
+    Result __real_##name parameters;                                                          \
+    Result __real_##name parameters {                                                         \
+        static constinit std::atomic<Result(*) parameters> real = nullptr;                    \
+        if (real == nullptr)                                                                  \
+            real = reinterpret_cast<Result(*) parameters>(dlsym(RTLD_NEXT, #name));           \
+        return real.load() arguments;                                                         \
+    }                                                                                         \
+    Result __wrap_##name parameters;                                                          \
+    __attribute__((weak)) Result __wrap_##name parameters { return __real_##name arguments; } \
+    __attribute__((visibility("hidden"))) Result name parameters {                            \
+        return __wrap_##name arguments;                                                       \
+    }                                                                                         \
     static_assert(true)
 
 WRAP(void*, malloc, (std::size_t size), (size));
@@ -45,6 +47,7 @@ WRAP(int, pthread_cond_timedwait, (pthread_cond_t * c, pthread_mutex_t* m, const
      (c, m, t));
 WRAP(int, pthread_cond_signal, (pthread_cond_t * c), (c));
 WRAP(int, pthread_cond_broadcast, (pthread_cond_t * c), (c));
+WRAP(int, gettimeofday, (timeval * now, void* zone), (now, zone));
 WRAP(int, nanosleep, (const timespec* rest, timespec* left), (rest, left));
 
 #undef WRAP

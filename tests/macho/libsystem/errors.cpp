@@ -15,7 +15,7 @@ struct Pair {
     int mac;
 };
 
-// The first 34 are the same, but for these two.
+// <sys/errno.h> of both. The first 34 are the same, but for the first two here.
 constexpr Pair kErrors[] = {
     {EAGAIN, 35},       {EDEADLK, 11},         {EINPROGRESS, 36},     {EALREADY, 37},
     {ENOTSOCK, 38},     {EDESTADDRREQ, 39},    {EMSGSIZE, 40},        {EPROTOTYPE, 41},

@@ -17,6 +17,7 @@ namespace macho::libsystem {
 
 namespace {
 
+// What __cxa_atexit is given (Itanium C++ ABI, 3.3.6.3).
 struct ExitFunction {
     void (*run)(void*);
     void* argument;

@@ -18,6 +18,7 @@ struct Pair {
     int mac;
 };
 
+// <sys/signal.h> of both; the other signals bear the same numbers.
 constexpr Pair kSignals[] = {{SIGBUS, 10},  {SIGUSR1, 30}, {SIGUSR2, 31}, {SIGCHLD, 20},
                              {SIGSTOP, 17}, {SIGTSTP, 18}, {SIGCONT, 19}, {SIGURG, 16},
                              {SIGIO, 23},   {SIGSYS, 12}};
