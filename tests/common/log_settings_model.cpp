@@ -1,5 +1,7 @@
 #include "log_settings_model.h"
 
+#include <algorithm>
+#include <climits>
 #include <optional>
 #include <vector>
 
@@ -23,16 +25,17 @@ std::vector<Piece> piecesOf(const std::string& bytes) {
     return pieces;
 }
 
-// A few digits with white space and a sign in front.
+// Digits with white space and a sign in front; the nearest int when that is too small for them.
 std::optional<int> numberAt(const std::string& text, std::size_t at) {
     while (at < text.size() && std::string(" \t\r\n\v\f").find(text[at]) != std::string::npos) ++at;
     int sign = 1;
     if (at < text.size() && (text[at] == '-' || text[at] == '+')) sign = text[at++] == '-' ? -1 : 1;
-    std::optional<int> number;
+    std::optional<double> number;
     for (; at < text.size() && text[at] >= '0' && text[at] <= '9'; ++at) {
         number = number.value_or(0) * 10 + (text[at] - '0');
     }
-    return number ? std::optional(sign * *number) : std::nullopt;
+    if (!number) return std::nullopt;
+    return static_cast<int>(std::clamp<double>(sign * *number, INT_MIN, INT_MAX));
 }
 
 const std::string kDefault = "default_log_level=";
