@@ -91,7 +91,9 @@ pid_t fake_waitpid(pid_t pid, int* status, int) {
     return pid;
 }
 
-pid_t fake_getpgid(pid_t pid) { return machine().processLives ? pid : refuse(ESRCH); }
+pid_t fake_getpgid(pid_t pid) {
+    return machine().processLives && pid >= 0 ? kChild : refuse(ESRCH);
+}
 
 int fake_kill(pid_t pid, int signal) {
     if (signal != 0) machine().signals.emplace_back(pid, signal);

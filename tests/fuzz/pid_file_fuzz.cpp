@@ -31,7 +31,8 @@ int numberIn(const std::string& bytes) {
 
 void checkStart(int pid) {
     FakeMachine& world = machine();
-    const bool runs = world.processLives && world.processName == "nevo" && world.processId == pid;
+    const bool runs =
+        world.processLives && world.processName == "nevo" && pid >= 0 && world.processId == pid;
     int expected = kServiceStarted;
     if (world.exitStatus == 2) expected = kServiceNotInstalled;
     if (!world.canStart) expected = kLaunchFailed;

@@ -75,7 +75,7 @@ class Browser {
         NPP_t* const handle = &m_handles[which];
         switch (m_input.below(9)) {
             case 0:
-                return create(handle);
+                return create(which);
             case 1:
                 return destroy(which);
             case 2:
@@ -110,10 +110,12 @@ class Browser {
         if ((change & 16) != 0) machine().answer = m_input.text();
     }
 
-    void create(NPP handle) {
+    void create(std::size_t which) {
+        NPP const handle = &m_handles[which];
         static const char* const names[] = {"_probevpn", "last_param", "_installvpn", "other"};
-        // A browser asks for an instance only where there is none, and not while it makes one.
-        if (handle->pdata != nullptr || m_making) return;
+        // A browser asks for an instance only where there is none, nor one that is being made or
+        // taken away.
+        if (handle->pdata != nullptr || m_making || m_destroying[which] != 0) return;
         m_making = true;
         std::string name = names[m_input.below(4)];
         std::string text = m_input.line();
