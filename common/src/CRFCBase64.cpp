@@ -29,6 +29,21 @@ constexpr std::array<DigitPair, kDigits * kDigits> digitPairs(const char* digits
     return pairs;
 }
 
+// What a digit is in a group of 24 bits, by its place among the group's four. What is no digit is
+// more than any group.
+constexpr unsigned int kNoGroup = 1u << 24;
+using GroupParts = std::array<std::array<unsigned int, 256>, 4>;
+constexpr GroupParts groupParts(const char* digits) {
+    GroupParts parts{};
+    for (std::size_t place = 0; place < parts.size(); ++place) {
+        parts[place].fill(kNoGroup);
+        for (unsigned int i = 0; i < kDigits; ++i) {
+            parts[place][static_cast<unsigned char>(digits[i])] = i << (18 - 6 * place);
+        }
+    }
+    return parts;
+}
+
 // The count as the int that every result is.
 int checkedLength(std::size_t length) {
     if (length >= INT_MAX) throw std::length_error("a Base64 result is too long");
@@ -38,8 +53,10 @@ int checkedLength(std::size_t length) {
 // The decoding of one text, whose bytes end before a NUL.
 class Decoding {
   public:
-    Decoding(const signed char* values, const char* text, std::size_t length, unsigned char* out)
+    Decoding(const signed char* values, const GroupParts& parts, const char* text,
+             std::size_t length, unsigned char* out)
         : m_values(values),
+          m_parts(parts),
           m_at(reinterpret_cast<const unsigned char*>(text)),
           m_end(m_at + length),
           m_out(out) {}
@@ -54,37 +71,41 @@ class Decoding {
     }
 
   private:
-    unsigned int Value(std::ptrdiff_t index) const {
-        return static_cast<unsigned int>(m_values[m_at[index]]);
-    }
-
     void Emit(unsigned int byte) { *m_out++ = static_cast<unsigned char>(byte); }
 
-    void EmitGroup(unsigned int group) {
-        Emit(group >> 16);
-        Emit(group >> 8);
-        Emit(group);
+    static unsigned char* PutGroup(unsigned char* out, unsigned int group) {
+        *out++ = static_cast<unsigned char>(group >> 16);
+        *out++ = static_cast<unsigned char>(group >> 8);
+        *out++ = static_cast<unsigned char>(group);
+        return out;
     }
 
     // Groups of four digits in a row, which is nearly all there is.
     void TakeWholeGroups() {
-        for (; m_end - m_at >= 4; m_at += 4) {
-            const unsigned int a = Value(0), b = Value(1), c = Value(2), d = Value(3);
-            if ((a | b | c | d) >= kDigits) return;
-            EmitGroup(a << 18 | b << 12 | c << 6 | d);
+        // The bytes written could be anybody's: what the loop needs is kept out of their reach.
+        const GroupParts& parts = m_parts;
+        const unsigned char* at = m_at;
+        const unsigned char* const end = m_end;
+        unsigned char* out = m_out;
+        for (; end - at >= 4; at += 4) {
+            const unsigned int group =
+                parts[0][at[0]] | parts[1][at[1]] | parts[2][at[2]] | parts[3][at[3]];
+            if (group >= kNoGroup) break;
+            out = PutGroup(out, group);
         }
+        m_at = at;
+        m_out = out;
     }
 
     // One character of whatever kind; returns false at the end.
     bool TakeOne() {
         if (m_at == m_end || *m_at >= 0x80) return false;
-        const unsigned int value = Value(0);
-        ++m_at;
+        const auto value = static_cast<unsigned int>(m_values[*m_at++]);
         if (value >= kDigits) return true;
         m_group = m_group << 6 | value;
         m_bits += 6;
         if (m_bits == 24) {
-            EmitGroup(m_group);
+            m_out = PutGroup(m_out, m_group);
             m_group = 0;
             m_bits = 0;
         }
@@ -97,6 +118,7 @@ class Decoding {
     }
 
     const signed char* m_values;
+    const GroupParts& m_parts;
     const unsigned char* m_at;
     const unsigned char* m_end;
     unsigned char* m_out;
@@ -161,6 +183,7 @@ CString CRFCBase64::Encode(const char* text) {
 }
 
 int CRFCBase64::Decode(const char* text, ByteArray& out) {
+    static constexpr GroupParts parts = groupParts(g_digits);
     const signed char* const values = digitValues();
     const std::size_t length = text == nullptr ? 0 : std::strlen(text);
     const std::size_t most = length / 4 * 3 + length % 4 * 3 / 4;
@@ -169,7 +192,7 @@ int CRFCBase64::Decode(const char* text, ByteArray& out) {
     const int before = out.GetSize();
     out.SetSize(checkedLength(static_cast<std::size_t>(before) + most));
     unsigned char* const start = out.GetData() + before;
-    const auto count = static_cast<int>(Decoding(values, text, length, start).Run() - start);
+    const auto count = static_cast<int>(Decoding(values, parts, text, length, start).Run() - start);
     out.SetSize(before + count);
     return count;
 }
