@@ -47,8 +47,8 @@ class UStrings : public UObject {
     /// Replaces all items by the pieces of `text` between delimiters, without the empty ones; a
     /// piece of blanks alone becomes an empty item when trimmed. A NUL delimits nothing, and null
     /// has no pieces. A piece for which there is no memory is left out. `text` must not be an
-    /// item's own.
-    void fromString(const char* text, char delimiter, unsigned int flags);
+    /// item's own. @return 0, or -1 when any is left out.
+    int fromString(const char* text, char delimiter, unsigned int flags);
 
     /// @return all items, with the stored delimiter between them; it is that of construction or
     /// `Create`, whatever `fromString` has split by. Raises what `CString` raises.
@@ -79,7 +79,7 @@ class UStrings : public UObject {
     void unlock() { m_items.unlock(); }
 
   private:
-    void addPiece(const char* text, std::size_t length, unsigned int flags);
+    int addPiece(const char* text, std::size_t length, unsigned int flags);
 
     UList m_items;
     char m_delimiter = '\0';

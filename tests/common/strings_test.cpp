@@ -36,7 +36,7 @@ TEST_P(SplitTexts, ByConstruction) {
 
 TEST_P(SplitTexts, ReplaceWhatWasThere) {
     UStrings strings("old;older", ';', 0);
-    strings.fromString(GetParam().text, GetParam().delimiter, GetParam().flags);
+    EXPECT_EQ(strings.fromString(GetParam().text, GetParam().delimiter, GetParam().flags), 0);
     EXPECT_EQ(itemsOf(strings), GetParam().items);
     strings.Create(GetParam().text, GetParam().delimiter, GetParam().flags);
     EXPECT_EQ(itemsOf(strings), GetParam().items);
@@ -173,15 +173,25 @@ TEST(Strings, WithoutMemoryAnItemIsNotAddedAndThatIsLogged) {
     }
 }
 
-TEST(Strings, WithoutMemorySplittingLeavesOnePieceOutAndThatIsLogged) {
+TEST(Strings, WithoutMemorySplittingLeavesOnePieceOutAndThatIsToldAndLogged) {
     for (int n = 1; n <= 9; ++n) {
         UStrings strings;
         const RecordLog log;
         const FailingAllocation failing(n);
-        strings.fromString("a,b,c", ',', 0);
+        EXPECT_EQ(strings.fromString("a,b,c", ',', 0), -1) << n;
         EXPECT_TRUE(failing.happened()) << n;
         EXPECT_EQ(strings.getCount(), 2) << n;
         EXPECT_FALSE(log.items().empty()) << n;
+    }
+}
+
+TEST(Strings, WithoutMemorySplittingTellsOfADelimiterLeftOut) {
+    for (int n = 1; n <= 9; ++n) {
+        UStrings strings;
+        const FailingAllocation failing(n);
+        EXPECT_EQ(strings.fromString("a,b", ',', UStrings::kKeepDelimiters), -1) << n;
+        EXPECT_TRUE(failing.happened()) << n;
+        EXPECT_EQ(strings.getCount(), 2) << n;
     }
 }
 

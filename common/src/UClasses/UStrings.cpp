@@ -37,25 +37,26 @@ void UStrings::Create(const char* text, char delimiter, unsigned int flags) {
     fromString(text, delimiter, flags);
 }
 
-void UStrings::fromString(const char* text, char delimiter, unsigned int flags) {
+int UStrings::fromString(const char* text, char delimiter, unsigned int flags) {
     clear();
-    if (text == nullptr) return;
+    if (text == nullptr) return 0;
+    int result = 0;
     const char* const end = text + std::strlen(text);
     const auto nextDelimiter = [&] {
         return static_cast<const char*>(
             std::memchr(text, delimiter, static_cast<std::size_t>(end - text)));
     };
     while (const char* const at = nextDelimiter()) {
-        addPiece(text, static_cast<std::size_t>(at - text), flags);
-        if ((flags & kKeepDelimiters) != 0) addItem(at, 1);
+        result |= addPiece(text, static_cast<std::size_t>(at - text), flags);
+        if ((flags & kKeepDelimiters) != 0) result |= addItem(at, 1);
         text = at + 1;
     }
-    addPiece(text, static_cast<std::size_t>(end - text), flags);
+    return result | addPiece(text, static_cast<std::size_t>(end - text), flags);
 }
 
-void UStrings::addPiece(const char* text, std::size_t length, unsigned int flags) {
-    if (length == 0) return;
-    addOwned(m_items, "UStrings::fromString - EXCEPTION", [&] {
+int UStrings::addPiece(const char* text, std::size_t length, unsigned int flags) {
+    if (length == 0) return 0;
+    return addOwned(m_items, "UStrings::fromString - EXCEPTION", [&] {
         auto item = std::make_unique<UStringsItem>(text, length);
         if ((flags & kTrimItems) != 0) item->trim();
         return item;
