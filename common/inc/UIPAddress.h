@@ -3,6 +3,7 @@
 #include <arpa/inet.h>
 
 #include <cstdio>
+#include <new>
 
 #include "CString.h"
 #include "NumberText.h"
@@ -13,7 +14,8 @@
 /// IPv4 addresses, netmasks and subnets as values: a number of 32 bits with the first octet in its
 /// highest byte. Each object belongs to one thread at a time.
 ///
-/// A text that is none raises `UException` with code -1; nothing is changed then.
+/// A text that is none raises `UException` with code -1, and lack of memory `std::bad_alloc`;
+/// nothing is changed then.
 
 /// An IPv4 address.
 class UIPv4Address {
@@ -43,7 +45,7 @@ class UIPv4Address {
     unsigned int m_value = 0;
 };
 
-/// An IPv4 netmask: ones from the top, then zeros.
+/// An IPv4 netmask: ones from the top, then zeros; its text is that or their number (RFC 4632).
 class UIPv4Netmask {
   public:
     /// @return the mask that `text` is: a prefix length of one or two characters, or dotted as an
@@ -104,7 +106,8 @@ class UIPvXSubnet {
   private:
     void _parse(const CString& text) {
         UStrings parts;
-        parts.fromString(text, '/', 0);
+        // A piece left out for lack of memory would make two parts of three.
+        if (parts.fromString(text, '/', 0) != 0) throw std::bad_alloc();
         if (parts.getCount() != 2) URaise("UIPvXSubnet::parse()", "invalid subnet", text);
         m_subnet = CString(parts.getItem(0));
         m_netmask = CString(parts.getItem(1));

@@ -2,10 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <new>
 #include <string>
-#include <vector>
 
 #include "UException.h"
+#include "failing_memory.h"
 #include "record_log.h"
 #include "row_name.h"
 #include "text_of.h"
@@ -221,6 +222,33 @@ INSTANTIATE_TEST_SUITE_P(
         BadSubnet{"LongPrefix", "10.1.2.3/33",
                   "UIPv4Netmask::fromCiscoValue(), EXCEPTION - invalid value, 33"}),
     nameOfRow);
+
+TEST(Ipv4Subnet, WithoutMemoryDoesNotTakeThreePartsForTwo) {
+    const CString text("10.1.2.3/8/16");
+    failingEach(
+        [&] {
+            try {
+                const UIPv4Subnet subnet(text);
+                ADD_FAILURE() << "nothing raised";
+            } catch (const UException&) {
+            } catch (const std::bad_alloc&) {
+            }
+        },
+        [](bool) {});
+}
+
+TEST(Ipv4Subnet, WithoutMemoryIsRightOrRaised) {
+    failingEach(
+        [] {
+            try {
+                const UIPv4Subnet subnet("10.1.2.3/255.0.0.0");
+                EXPECT_EQ(subnet.getSubnet().getValue(), 0x0a010203u);
+                EXPECT_EQ(subnet.getNetmask().getValue(), 0xff000000u);
+            } catch (const std::bad_alloc&) {
+            }
+        },
+        [](bool) {});
+}
 
 TEST(Ipv4Subnet, MegabytesThatAreNoneAreRefused) {
     const std::string digits(1 << 20, '1');
