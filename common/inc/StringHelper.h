@@ -12,9 +12,9 @@ class StringHelper {
   public:
     StringHelper() = delete;
 
-    /// Splits a pattern for `match`: `parts` becomes its literals and its asterisks, in order. A
-    /// null pattern counts as "". `pattern` must not be an item of `parts`. Lack of memory raises
-    /// `std::bad_alloc`, and the parts are of no use then.
+    /// Splits a pattern for `match`: `parts` becomes its literals and its asterisks, in order, and
+    /// keeps its own delimiter. A null pattern counts as "". `pattern` must not be an item of
+    /// `parts`. Lack of memory raises `std::bad_alloc`, and the parts are of no use then.
     static void prepareFilter(const char* pattern, UStrings& parts);
 
     /// @return whether `text` matches the pattern of these parts. Without parts only the empty text

@@ -32,6 +32,15 @@ TEST(WildcardParts, AreTheLiteralsAndEachAsterisk) {
     EXPECT_THAT(partsOf(nullptr), ElementsAre());
 }
 
+TEST(WildcardParts, KeepTheirOwnDelimiter) {
+    UStrings bare;
+    StringHelper::prepareFilter("a*b*", bare);
+    EXPECT_EQ(textOf(bare.toString()), "a*b*");
+    UStrings joined("", '-', 0);
+    StringHelper::prepareFilter("a*b", joined);
+    EXPECT_EQ(textOf(joined.toString()), "a-*-b");
+}
+
 TEST(WildcardParts, ArePrintedOneALineAndCounted) {
     UStrings parts;
     StringHelper::prepareFilter("a*b c", parts);
