@@ -126,6 +126,39 @@ TEST(MatcherWithoutMemory, IsNoObjectAndRaisesWhy) {
     }
 }
 
+TEST(MatcherWithoutMemory, NamesAnotherLineThanAnUnknownKind) {
+    const auto lineOfFailure = [](unsigned int type) {
+        try {
+            UExpressionMatch::createMatchObject(type, "1-2");
+        } catch (const UException& e) {
+            return e.GetLine();
+        }
+        return 0u;
+    };
+    const unsigned int unknown = lineOfFailure(5);
+    const FailingAllocation failing(1);
+    const unsigned int noMemory = lineOfFailure(UExpressionMatch::kNumber);
+    EXPECT_NE(unknown, 0u);
+    EXPECT_NE(noMemory, 0u);
+    EXPECT_NE(unknown, noMemory);
+}
+
+TEST(HitsWithoutMemory, LackOneThatIsLoggedAndTheAnswerStays) {
+    const UExpressionMatch expression("1-5,3", UExpressionMatch::kNumber);
+    int failures = 0;
+    failingEach(
+        [&] {
+            UStrings hits("old", ',', 0);
+            const RecordLog log;
+            EXPECT_TRUE(expression.matchAsDWORD(3, hits));
+            EXPECT_GE(hits.getCount(), 1);
+            EXPECT_STRNE(hits.getItem(0), "old");
+            EXPECT_EQ(log.items().empty(), hits.getCount() == 2);
+        },
+        [&](bool failed) { failures += failed ? 1 : 0; });
+    EXPECT_GT(failures, 2);
+}
+
 TEST(EndpointWithoutMemory, NamesTheNetworkWhenThatIsWhatCouldNotBeSet) {
     bool named = false;
     for (int n = 1; n < 100 && !named; ++n) {

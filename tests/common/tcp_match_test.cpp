@@ -125,6 +125,18 @@ INSTANTIATE_TEST_SUITE_P(
         Refused{"RangeBackwards", "10.0.0.0/8:2-1", noPort("10.0.0.0/8:2-1", "2-1")}),
     [](const auto& row) { return std::string(row.param.rule); });
 
+TEST(TcpMatch, EachFailureNamesItsOwnLine) {
+    const RecordLog log;
+    UTCPMatch matcher;
+    EXPECT_EQ(matcher.setPattern("10.0.0.0/8:"), -1);
+    EXPECT_EQ(matcher.setPattern("10.0.0.0/8:x"), -1);
+    const std::string missing = lineOf(log.items(), "missing port part");
+    const std::string invalid = lineOf(log.items(), "invalid port part");
+    EXPECT_NE(missing, "");
+    EXPECT_NE(invalid, "");
+    EXPECT_NE(missing, invalid);
+}
+
 TEST(TcpMatch, PatternIsSplitIntoAddressNetmaskAndPort) {
     CString address, netmask, port("old");
     UTCPMatch::parse("10.1.2.3/8:80-90", address, netmask, port);

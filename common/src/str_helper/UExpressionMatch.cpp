@@ -72,7 +72,7 @@ void UExpressionMatch::Clear() {
 }
 
 URootMatch* UExpressionMatch::createMatchObject(unsigned int type, const char* pattern) {
-    const URaisedIn here("UExpressionMatch::createMatchObject()");
+    constexpr const char* here = "UExpressionMatch::createMatchObject()";
     if (type >= std::size(kMakers)) URaise(here, "unknown type", type);
     URootMatch* const matcher = kMakers[type](pattern);
     if (matcher == nullptr) URaise(here, "error, type, pattern", errno, type, pattern);

@@ -33,7 +33,7 @@ int UTCPMatch::_setPattern(const char* text) {
     m_state = -1;
     const CString before(std::move(m_pattern));  // the new pattern may stand in it
     return UGuarded("UTCPMatch::setPattern() - EXCEPTION", [&] {
-        const URaisedIn here("UTCPMatch::setPattern()");
+        constexpr const char* here = "UTCPMatch::setPattern()";
         const CString pattern(text);
         CString address, netmask, port;
         parse(pattern, address, netmask, port);
