@@ -85,7 +85,8 @@ TEST_P(NoDnsPattern, CannotBeNormalized) {
 
 INSTANTIATE_TEST_SUITE_P(Rows, NoDnsPattern,
                          testing::Values("", ":", ":::", " ", "a b", "www.example.com ", "\thost",
-                                         "host\n", " :443", static_cast<const char*>(nullptr)));
+                                         "host\n", "a\rb", "a\vb", "a\fb", " :443",
+                                         static_cast<const char*>(nullptr)));
 
 TEST(DnsMatch, PatternIsNormalizedToHostInLowerCaseAndPort) {
     const UDNSMatch matcher;

@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <string>
+#include <type_traits>
 #include <typeinfo>
 #include <vector>
 
@@ -365,7 +366,11 @@ TEST(RootMatch, KeepsTheOrderOfItsVirtualOperations) {
         reinterpret_cast<int (*)(URootMatch*, const char*, CString&, char)>(slots[6]);
     EXPECT_EQ(normalize(root, "x", out, ','), 0);
     EXPECT_EQ(textOf(out), "x");
+    EXPECT_EQ(textOf(reinterpret_cast<CString (*)(URootMatch*)>(slots[7])(root)), "7-9");
 }
+
+static_assert(std::is_abstract_v<URootMatch> && std::is_base_of_v<UObject, URootMatch>);
+static_assert(!std::is_polymorphic_v<UExpressionMatch>);
 
 TEST(ExpressionMatch, OfTenThousandMembersFindsTheLast) {
     constexpr int kMembers = 10000;
