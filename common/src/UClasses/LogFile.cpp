@@ -130,9 +130,13 @@ std::FILE* openLogFile(const char* path, const char* mode) {
     }
     const int descriptor = open(path, flags | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0600);
     if (descriptor < 0) return nullptr;
-    // As if nobody read from it: a reader that goes away would end the host with a signal.
-    std::FILE* const file =
-        isPipe(descriptor) ? (errno = ENXIO, nullptr) : fdopen(descriptor, mode);
+    std::FILE* file = nullptr;
+    if (isPipe(descriptor)) {
+        // As if nobody read from it: a reader that goes away would end the host with a signal.
+        errno = ENXIO;
+    } else {
+        file = fdopen(descriptor, mode);
+    }
     if (file == nullptr) {
         const int error = errno;
         close(descriptor);

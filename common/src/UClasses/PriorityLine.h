@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <memory>
 
-/// The text of an item behind its priority column, "%d,,,, %s". The five commas-separated fields of
-/// a line begin with it; the middle three stay empty. Raises nothing: writing a log never does.
+/// The text of an item behind its priority column, "%d,,,, %s": the first and the last of a line's
+/// five fields; the three between them stay empty. Raises nothing: writing a log never does.
 class PriorityLine {
   public:
     /// What a column needs at most, its terminator included.
