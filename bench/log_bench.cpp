@@ -7,7 +7,6 @@
 #include <spdlog/sinks/basic_file_sink.h>
 #include <spdlog/spdlog.h>
 
-#include <array>
 #include <memory>
 #include <string>
 

@@ -8,7 +8,6 @@
 #include <string>
 #include <vector>
 
-#include "IUErrorLog.h"
 #include "log_home.h"
 #include "relaying_instance.h"
 

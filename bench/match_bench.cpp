@@ -7,7 +7,6 @@
 #include <re2/re2.h>
 #include <re2/set.h>
 
-#include <cstdio>
 #include <string>
 #include <vector>
 

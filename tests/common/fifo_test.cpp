@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <cstring>
 #include <string>
-#include <thread>
 #include <type_traits>
 
 #include "failing_memory.h"

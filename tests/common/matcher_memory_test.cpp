@@ -16,7 +16,6 @@
 #include "failing_memory.h"
 #include "matcher_records.h"
 #include "row_name.h"
-#include "text_of.h"
 
 namespace {
 

@@ -5,7 +5,6 @@
 #include <climits>
 #include <random>
 #include <string>
-#include <vector>
 
 #include "random_seed.h"
 #include "text_of.h"

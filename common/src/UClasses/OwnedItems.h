@@ -1,7 +1,5 @@
 #pragma once
 
-#include <memory>
-
 #include "UGuarded.h"
 #include "UList.h"
 

@@ -1,6 +1,5 @@
 #include "UException.h"
 
-#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <cstring>

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdio>
 #include <exception>
+#include <string_view>
 
 #include "CString.h"
 #include "LogClock.h"

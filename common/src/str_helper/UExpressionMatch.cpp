@@ -2,8 +2,10 @@
 
 #include <cerrno>
 #include <cstring>
+#include <iterator>
 #include <memory>
 #include <new>
+#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -17,6 +19,7 @@
 #include "UPatternMatch.h"
 #include "URaise.h"
 #include "UTCPMatch.h"
+#include "createString.h"
 
 namespace {
 

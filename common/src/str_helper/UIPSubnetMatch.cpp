@@ -5,6 +5,7 @@
 #include "Candidate.h"
 #include "UGuarded.h"
 #include "UIPAddress.h"
+#include "URaise.h"
 
 UIPSubnetMatch::UIPSubnetMatch(const char* pattern) {
     if (_setPattern(pattern) != 0) {

@@ -7,6 +7,7 @@
 #include "StrFormat.h"
 #include "UGuarded.h"
 #include "UIPAddress.h"
+#include "URaise.h"
 
 UTCPMatch::UTCPMatch() { m_port.setMax(65535); }
 
