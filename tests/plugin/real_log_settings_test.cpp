@@ -1,10 +1,14 @@
+#include "real_log.h"
+
 #include <sys/stat.h>
 
+#include <cstdlib>
+#include <filesystem>
 #include <functional>
 
-#include "real_log.h"
 #include "row_name.h"
 #include "sandbox_main.h"
+#include "service_files.h"
 
 // The log file under every setting, and when there can be none.
 

@@ -1,8 +1,13 @@
-#include <csignal>
+#include "real_log.h"
+
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
 
 #include "child_process.h"
-#include "real_log.h"
 #include "scripted_service.h"
+#include "service_files.h"
 
 // The log file of whole conversations, line by line, as a user finds it.
 
