@@ -15,7 +15,7 @@
 #include <type_traits>
 
 #include "FormattedLog.h"
-#include "recording_log.h"
+#include "item_log.h"
 
 namespace {
 
@@ -102,19 +102,19 @@ TEST(CommonLibrary, FormatsForItsOwnLog) {
 }
 
 TEST(CommonLibrary, FormatsForAnotherLog) {
-    RecordingLog log;
+    ItemLog log;
     writeFormat(log, "[%s] %d\n", "text", 5);
     writeFormat(log, "%5d\n", 6);
     writeFormat(log, "%s", "");
-    EXPECT_THAT(log.items, testing::ElementsAre("0,,,, [text] 5\n", "0,,,,     6\n", "0,,,, "));
+    EXPECT_THAT(log.items(), testing::ElementsAre("0,,,, [text] 5\n", "0,,,,     6\n", "0,,,, "));
 }
 
 TEST(CommonLibrary, PointerIsNullAfterStaticDestruction) {
     EXPECT_EXIT(std::exit(0), testing::ExitedWithCode(0), "");
 }
 
-// Threads log as soon as there is a log and until the program ends. They are started in a program of
-// their own: a copy of one that already had a thread may not start others.
+// Threads log as soon as there is a log and until the program ends. They are started in a program
+// of their own: a copy of one that already had a thread may not start others.
 TEST(CommonLibrary, ThreadsMayLogUntilTheyAreJoinedAtExit) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_EXIT(

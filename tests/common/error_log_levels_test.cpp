@@ -5,7 +5,7 @@
 #include <climits>
 #include <cwchar>
 
-#include "recording_log.h"
+#include "item_log.h"
 #include "row_name.h"
 
 namespace {
@@ -20,10 +20,10 @@ class ErrorLogLevels : public testing::Test {
 
     void setLevel(int level) {
         log.SetLogLevel(level);
-        log.items.clear();
+        log.clear();
     }
 
-    RecordingLog log;
+    ItemLog log;
 
   private:
     IUErrorLog* m_before;
@@ -44,9 +44,9 @@ TEST_P(ErrorLogLevelsFilter, WritesFromItsOwnLevelOn) {
     setLevel(GetParam().level);
     GetParam().write("%s=%d\n", "a", 7);
     if (GetParam().item == nullptr) {
-        EXPECT_THAT(log.items, IsEmpty());
+        EXPECT_THAT(log.items(), IsEmpty());
     } else {
-        EXPECT_THAT(log.items, ElementsAre(GetParam().item));
+        EXPECT_THAT(log.items(), ElementsAre(GetParam().item));
     }
 }
 
@@ -72,24 +72,24 @@ TEST_F(ErrorLogLevels, TextsAreCutAt2047Characters) {
     setLevel(63);
     const std::string longText(5000, 'x');
     for (std::size_t i = 0; i < 3; ++i) {
-        log.items.clear();
+        log.clear();
         kWriters[i]("%s", longText.c_str());
-        EXPECT_THAT(log.items, ElementsAre(kColumns[i] + longText.substr(0, 2047)));
+        EXPECT_THAT(log.items(), ElementsAre(kColumns[i] + longText.substr(0, 2047)));
     }
 }
 
 TEST_F(ErrorLogLevels, TextOf2047CharactersIsWhole) {
     const std::string text(2047, 'x');
     ERRORLOGLEVEL0("%s", text.c_str());
-    EXPECT_THAT(log.items, ElementsAre("1,,,, " + text));
+    EXPECT_THAT(log.items(), ElementsAre("1,,,, " + text));
 }
 
 TEST_F(ErrorLogLevels, MissingFormatIsAWrongParameter) {
     setLevel(63);
     for (std::size_t i = 0; i < 3; ++i) {
-        log.items.clear();
+        log.clear();
         kWriters[i](nullptr);
-        EXPECT_THAT(log.items,
+        EXPECT_THAT(log.items(),
                     ElementsAre(std::string(kColumns[i]) + "ERRORLOGLEVELx() wrong parameter"));
     }
 }
@@ -98,7 +98,7 @@ TEST_F(ErrorLogLevels, MissingFormatIsAWrongParameter) {
 TEST_F(ErrorLogLevels, TextThatCannotBeFormattedIsAWrongParameter) {
     const wchar_t noText[] = {static_cast<wchar_t>(0x10FFFF), L'\0'};
     ERRORLOGLEVEL0("%ls", noText);
-    EXPECT_THAT(log.items, ElementsAre("1,,,, ERRORLOGLEVELx() wrong parameter"));
+    EXPECT_THAT(log.items(), ElementsAre("1,,,, ERRORLOGLEVELx() wrong parameter"));
 }
 
 TEST_F(ErrorLogLevels, NothingHappensWithoutALogObject) {
@@ -107,7 +107,7 @@ TEST_F(ErrorLogLevels, NothingHappensWithoutALogObject) {
                                  ERRORLOGLEVEL4, ERRORLOGLEVEL5}) {
         write("%s", "text\n");
     }
-    EXPECT_THAT(log.items, IsEmpty());
+    EXPECT_THAT(log.items(), IsEmpty());
 }
 
 }  // namespace

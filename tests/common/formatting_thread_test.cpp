@@ -4,14 +4,13 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <string>
 #include <thread>
 #include <vector>
 
 #include "AfxDebug.h"
-#include "IUErrorLog.h"
 #include "UGuarded.h"
 #include "URaise.h"
+#include "bare_log.h"
 
 namespace {
 
@@ -19,20 +18,11 @@ constexpr int kThreads = 8;
 constexpr int kRounds = 12500;
 
 // Counts what is written, from any thread.
-class CountingLog final : public IUErrorLog {
+class CountingLog final : public BareLog {
   public:
     CountingLog() { errorLog = this; }
     ~CountingLog() override { errorLog = nullptr; }
     int WriteLogItem(const char* /*text*/) override { return ++m_count; }
-    int Open(const char* /*name*/, const char* /*mode*/) override { return 0; }
-    int Close() override { return 0; }
-    int WriteLogByte(unsigned char* /*data*/, unsigned int /*length*/) override { return -1; }
-    int WriteLogByte(const char* /*text*/, unsigned char* /*data*/,
-                     unsigned int /*length*/) override {
-        return -1;
-    }
-    const char* GetLogName() override { return nullptr; }
-    using IUErrorLog::WriteLog;
 
     int count() const { return m_count; }
 

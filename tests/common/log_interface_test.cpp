@@ -6,7 +6,7 @@
 #include <climits>
 #include <cstdio>
 
-#include "recording_log.h"
+#include "item_log.h"
 #include "row_name.h"
 
 namespace {
@@ -19,10 +19,10 @@ class LogInterface : public testing::Test {
     // Sets a level and forgets the line that says so.
     void setLevel(int level) {
         log.SetLogLevel(level);
-        log.items.clear();
+        log.clear();
     }
 
-    RecordingLog log;
+    ItemLog log;
 };
 
 // The two formatting writers as the compiler does not know them: a format may be missing.
@@ -56,26 +56,26 @@ INSTANTIATE_TEST_SUITE_P(Levels, LogInterfaceLevel,
 TEST_F(LogInterface, LevelChangeIsLoggedOnce) {
     log.SetLogLevel(5);
     log.SetLogLevel(5);
-    EXPECT_THAT(log.items, ElementsAre("0,,,, log level has been changed to 5\n"));
+    EXPECT_THAT(log.items(), ElementsAre("0,,,, log level has been changed to 5\n"));
 }
 
 TEST_F(LogInterface, LevelOfZeroIsLoggedAsTheOneItBecomes) {
     setLevel(31);
     log.SetLogLevel(0);
-    EXPECT_THAT(log.items, ElementsAre("0,,,, log level has been changed to 1\n"));
+    EXPECT_THAT(log.items(), ElementsAre("0,,,, log level has been changed to 1\n"));
     log.SetLogLevel(0);
-    EXPECT_EQ(log.items.size(), 1U);
+    EXPECT_EQ(log.items().size(), 1U);
 }
 
 TEST_F(LogInterface, LevelOfZeroIsNoChangeFromTheStart) {
     log.SetLogLevel(0);
-    EXPECT_THAT(log.items, IsEmpty());
+    EXPECT_THAT(log.items(), IsEmpty());
 }
 
 TEST_F(LogInterface, SetParamDoesNothing) {
     log.setParam("module_name", "nevo");
     log.setParam(nullptr, nullptr);
-    EXPECT_THAT(log.items, IsEmpty());
+    EXPECT_THAT(log.items(), IsEmpty());
 }
 
 // Each writer at levels on both sides of its filter.
@@ -92,10 +92,10 @@ TEST_P(LogInterfaceWriter, PrintsItsPriorityAndFilters) {
     setLevel(GetParam().level);
     const int result = GetParam().write(log);
     if (GetParam().item == nullptr) {
-        EXPECT_THAT(log.items, IsEmpty());
+        EXPECT_THAT(log.items(), IsEmpty());
         EXPECT_EQ(result, 0);
     } else {
-        EXPECT_THAT(log.items, ElementsAre(GetParam().item));
+        EXPECT_THAT(log.items(), ElementsAre(GetParam().item));
         EXPECT_EQ(result, log.itemResult);
     }
 }
@@ -158,7 +158,7 @@ TEST_F(LogInterface, FormattedTextIsCutAt5119Characters) {
     setLevel(63);
     log.WriteLog("%s", longText.c_str());
     log.WriteLog(7, "%s", longText.c_str());
-    EXPECT_THAT(log.items,
+    EXPECT_THAT(log.items(),
                 ElementsAre("0,,,, " + std::string(5119, 'x'), "7,,,, " + std::string(5119, 'x')));
 }
 
@@ -166,7 +166,7 @@ TEST_F(LogInterface, FormattedTextOf5119CharactersIsWhole) {
     std::string text(5119, 'x');
     text.back() = '\n';
     log.WriteLog("%s", text.c_str());
-    EXPECT_THAT(log.items, ElementsAre("0,,,, " + text));
+    EXPECT_THAT(log.items(), ElementsAre("0,,,, " + text));
 }
 
 // In the "C" locale no wide character beyond ASCII has a form.
@@ -174,30 +174,31 @@ TEST_F(LogInterface, TextThatCannotBeFormattedIsEmpty) {
     const wchar_t noText[] = {static_cast<wchar_t>(0x10FFFF), L'\0'};
     log.WriteLog("text %ls\n", noText);
     log.WriteLog(1, "text %ls\n", noText);
-    EXPECT_THAT(log.items, ElementsAre("0,,,, ", "1,,,, "));
+    EXPECT_THAT(log.items(), ElementsAre("0,,,, ", "1,,,, "));
 }
 
 TEST_F(LogInterface, UnformattedTextIsNeverCut) {
     for (const std::size_t length : {0U, 999U, 1000U, 1001U, 5120U, 1U << 20}) {
-        log.items.clear();
+        log.clear();
         const std::string text(length, 'x');
         log.WriteLogStr(text.c_str());
         log.WriteErrorStr(text.c_str());
         log.WriteLogStr(12345, text.c_str());
-        EXPECT_THAT(log.items, ElementsAre("0,,,, " + text, "0,,,, " + text, "12345,,,, " + text));
+        EXPECT_THAT(log.items(),
+                    ElementsAre("0,,,, " + text, "0,,,, " + text, "12345,,,, " + text));
     }
 }
 
 TEST_F(LogInterface, TextIsNoFormat) {
     log.WriteLogStr("100%n %s\n");
-    EXPECT_THAT(log.items, ElementsAre("0,,,, 100%n %s\n"));
+    EXPECT_THAT(log.items(), ElementsAre("0,,,, 100%n %s\n"));
 }
 
 TEST_F(LogInterface, NullTextCountsAsEmpty) {
     log.WriteLogStr(nullptr);
     log.WriteErrorStr(nullptr);
     log.WriteLogStr(3, nullptr);
-    EXPECT_THAT(log.items, ElementsAre("0,,,, ", "0,,,, ", "3,,,, "));
+    EXPECT_THAT(log.items(), ElementsAre("0,,,, ", "0,,,, ", "3,,,, "));
 }
 
 class HexLines : public LogInterface {
@@ -209,9 +210,9 @@ class HexLines : public LogInterface {
 
     // The lines of the first `count` bytes.
     std::vector<std::string> linesOf(unsigned int count) {
-        log.items.clear();
+        log.clear();
         EXPECT_EQ(log.WriteAsHex(10, bytes.data(), count), 0);
-        return log.items;
+        return log.items();
     }
 
     std::array<unsigned char, 256> bytes;
@@ -230,7 +231,7 @@ std::string hexLine(unsigned int first, unsigned int count) {
 TEST_F(HexLines, ShowEachByteTwoWideInUpperCase) {
     unsigned char data[] = {0x0A, 0xFF, 0x00, 0x10};
     log.WriteAsHex(10, data, 4);
-    EXPECT_THAT(log.items, ElementsAre("10,,,,   A FF  0 10\n"));
+    EXPECT_THAT(log.items(), ElementsAre("10,,,,   A FF  0 10\n"));
 }
 
 TEST_F(HexLines, HoldUpTo32Values) {
@@ -246,14 +247,14 @@ TEST_F(HexLines, HoldUpTo32Values) {
 
 TEST_F(HexLines, AreWrittenAtTheirPriorityAndBelow) {
     EXPECT_EQ(log.WriteAsHex(11, bytes.data(), 40), 0);
-    EXPECT_THAT(log.items, IsEmpty());
+    EXPECT_THAT(log.items(), IsEmpty());
     log.WriteAsHex(0, bytes.data(), 1);
-    EXPECT_THAT(log.items, ElementsAre("0,,,,   0\n"));
+    EXPECT_THAT(log.items(), ElementsAre("0,,,,   0\n"));
 }
 
 TEST_F(HexLines, OfNoDataAreNone) {
     EXPECT_EQ(log.WriteAsHex(1, nullptr, 40), 0);
-    EXPECT_THAT(log.items, IsEmpty());
+    EXPECT_THAT(log.items(), IsEmpty());
 }
 
 }  // namespace

@@ -1,40 +1,19 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
-#include "IUErrorLog.h"
+#include "item_log.h"
 
 /// The process's log while it lives: keeps every finished item in order. For one thread.
-class RecordLog final : public IUErrorLog {
+class RecordLog final : public ItemLog {
   public:
     /// Starts at `level`, which is not among the items.
     explicit RecordLog(int level = 1) {
         SetLogLevel(level);
-        m_items.clear();
+        clear();
         errorLog = this;
     }
     ~RecordLog() override { errorLog = nullptr; }
-
-    int WriteLogItem(const char* text) override {
-        m_items.emplace_back(text);
-        return static_cast<int>(m_items.back().size());
-    }
-
-    int Open(const char* /*name*/, const char* /*mode*/) override { return 0; }
-    int Close() override { return 0; }
-    int WriteLogByte(unsigned char* /*data*/, unsigned int /*length*/) override { return -1; }
-    int WriteLogByte(const char* /*text*/, unsigned char* /*data*/,
-                     unsigned int /*length*/) override {
-        return -1;
-    }
-    const char* GetLogName() override { return nullptr; }
-    using IUErrorLog::WriteLog;
-
-    const std::vector<std::string>& items() const { return m_items; }
-
-  private:
-    std::vector<std::string> m_items;
 };
 
 /// `record` with its third field, the source line, as "LINE" where that is a number above 0.

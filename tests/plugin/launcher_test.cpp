@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <thread>
 
+#include "bare_log.h"
 #include "child_process.h"
 #include "launcher_fixture.h"
 
@@ -75,18 +76,12 @@ TEST_F(Launcher, WaitsForAProgramThatHasOnlyStopped) {
 // A program that cannot be started.
 
 // A log object that copies of this process can write to as well.
-class PipeLog final : public IUErrorLog {
+class PipeLog final : public BareLog {
   public:
     explicit PipeLog(int end) : m_end(end) {}
-    int Open(const char*, const char*) override { return 0; }
-    int Close() override { return 0; }
     int WriteLogStr(const char* text) override {
         return static_cast<int>(write(m_end, text, std::strlen(text)));
     }
-    int WriteLogByte(unsigned char*, unsigned int) override { return 0; }
-    int WriteLogByte(const char*, unsigned char*, unsigned int) override { return 0; }
-    int WriteLogItem(const char*) override { return 0; }
-    const char* GetLogName() override { return nullptr; }
 
   private:
     int m_end;
