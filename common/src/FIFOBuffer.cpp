@@ -3,6 +3,7 @@
 #include <climits>
 #include <cstddef>
 #include <cstring>
+#include <new>
 
 #include "CFIFOBuffer.h"
 #include "LogRecord.h"
@@ -36,6 +37,17 @@ constexpr RefusedTexts kLastRefused{"a_stream->send error #2 (count, m_iHead, m_
 
 void copy(unsigned char* to, const unsigned char* from, int length) {
     if (length > 0) std::memcpy(to, from, static_cast<std::size_t>(length));
+}
+
+void logNoStorage(int capacity) noexcept {
+    const int error = errno;
+    try {
+        writeLogRecord(
+            2, SourcePlace::current(), "CFIFOBuffer::Init",
+            StrFormat("Failed to allocate memory (size: %1, error: %2)").arg(capacity).arg(error));
+    } catch (const std::bad_alloc&) {
+        // As lost as any record for which there is no memory.
+    }
 }
 
 }  // namespace
@@ -85,16 +97,13 @@ CFIFOBuffer::CFIFOBuffer(int capacity) { Init(capacity); }
 void CFIFOBuffer::Init(int capacity) {
     SetHead(0);
     SetTail(0);
-    m_iSize = capacity < INT_MAX ? capacity + 1 : 0;
+    m_iSize = capacity >= 0 && capacity < INT_MAX ? capacity + 1 : 0;
     try {
         m_pBuffer = m_memory.malloc(m_iSize);
     } catch (const UException&) {
         m_pBuffer = nullptr;
     }
-    if (m_pBuffer != nullptr) return;
-    writeLogRecord(
-        2, SourcePlace::current(), "CFIFOBuffer::Init",
-        StrFormat("Failed to allocate memory (size: %1, error: %2)").arg(capacity).arg(errno));
+    if (m_pBuffer == nullptr) logNoStorage(capacity);
 }
 
 long CFIFOBuffer::push(unsigned char* data, long length) {

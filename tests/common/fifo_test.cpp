@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include <array>
 #include <climits>
 #include <cstddef>
 #include <cstring>
@@ -291,6 +292,11 @@ void expectNoStorage(OpenFifo& fifo) {
     RecordStream stream;
     EXPECT_EQ(fifo.popToStream(&stream, 1), -1);
     EXPECT_THAT(stream.pieces, IsEmpty());
+    EXPECT_EQ(fifo.popToStream(&stream, 0), -1);
+    EXPECT_THAT(stream.pieces, ElementsAre(""));
+    RecordStream taking({1});
+    EXPECT_EQ(fifo.popToStream(&taking, 0), 1);
+    EXPECT_THAT(taking.pieces, ElementsAre(""));
     AutoMemory out;
     EXPECT_EQ(fifo.popToAutoMemory(out), 0);
 }
@@ -309,6 +315,36 @@ TEST(Fifo, WithoutMemoryItHasNoStorageAndSaysSoAtLevelTwo) {
     expectNoStorage(fifo);
     fifo.Init(3);
     EXPECT_EQ(fifo.pushText("abc"), 3);
+}
+
+TEST(Fifo, WithoutMemoryForItsRecordEitherItRaisesNothing) {
+    OpenFifo fifo(5);
+    const RecordLog log(2);
+    {
+        const FailingAllocation failing(1, FailingAllocation::fromThenOn);
+        fifo.Init(10);
+    }
+    EXPECT_THAT(log.items(), IsEmpty());
+    expectNoStorage(fifo);
+}
+
+TEST(Fifo, RefusesTheSameWithoutMemoryToSayWhy) {
+    OpenFifo fifo(2);
+    fifo.pushText("a");
+    unsigned char bytes[3] = {};
+    AutoMemory out;
+    const RecordLog log;
+    std::array<long, 7> results{};
+    {
+        const FailingAllocation failing(1, FailingAllocation::fromThenOn);
+        results = {fifo.push(bytes, 3),          fifo.pop(bytes, 3),
+                   fifo.read(bytes, 3),          fifo.skip(3),
+                   fifo.popToAutoMemory(out),    fifo.popToStream(nullptr, 1),
+                   fifo.readToStream(nullptr, 1)};
+    }
+    EXPECT_THAT(results, testing::Each(-1));
+    EXPECT_EQ(fifo.content(), "a");
+    EXPECT_EQ(fifo.m_iLockCount, 0);
 }
 
 TEST(Fifo, CapacitiesThatNoBlockCanHaveGiveNoStorage) {
