@@ -8,6 +8,7 @@ function(zerva_write_prelogon_key key_file header)
     string(CONCAT development_key "DEVELOPMENT KEY: NO SECRET, NOT FOR USE. "
                                   "ZERVA_PRELOGON_KEY_FILE")
     string(HEX "${development_key}" hex)
+    message(WARNING "No ZERVA_PRELOGON_KEY_FILE: client data is signed with the development key")
   elseif(NOT EXISTS "${key_file}" OR IS_DIRECTORY "${key_file}")
     message(FATAL_ERROR "ZERVA_PRELOGON_KEY_FILE: there is no file ${key_file}")
   else()

@@ -57,9 +57,15 @@ execute_process(COMMAND printf "${bytes}" OUTPUT_FILE "${WORK}/binary")
 write_header("${WORK}/binary" "${WORK}/binary.inc")
 string(REPEAT "0x00,0xff,0x0a,0x3b," 16 members)
 expect_header("${WORK}/binary.inc" "${members}")
+if(NOT said STREQUAL "")
+  message(SEND_ERROR "a good key was remarked on: ${said}")
+endif()
 
-# Without a file it is the development key, which says so.
+# Without a file it is the development key, which says so, and the build warns.
 write_header("" "${WORK}/development.inc")
+if(NOT status EQUAL 0 OR NOT said MATCHES "Warning.*No ZERVA_PRELOGON_KEY_FILE: client data is sign")
+  message(SEND_ERROR "the development key was taken with: ${said}")
+endif()
 string(HEX "DEVELOPMENT KEY: NO SECRET, NOT FOR USE. ZERVA_PRELOGON_KEY_FILE" hex)
 string(REGEX REPLACE "(..)" "0x\\1," members "${hex}")
 expect_header("${WORK}/development.inc" "${members}")
