@@ -4,6 +4,7 @@
 #include <array>
 #include <climits>
 #include <random>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -145,6 +146,15 @@ TEST(Base64Encode, AppendsAndCountsOnlyWhatItAppended) {
     EXPECT_EQ(CRFCBase64::Encode(bytesOf("ABC"), 3, out), 4);
     EXPECT_EQ(CRFCBase64::Encode(bytesOf("A"), 1, out), 4);
     EXPECT_EQ(out, "text:QUJDQQ==");
+}
+
+TEST(Base64Encode, AResultThatNoLengthCanCountIsRefusedBeforeAByteIsRead) {
+    CString out("old");
+    // With the three characters that are there, 1610612733 bytes are the first too many.
+    for (const int length : {1610612733, 1610612734, INT_MAX}) {
+        EXPECT_THROW(CRFCBase64::Encode(bytesOf("abc"), length, out), std::length_error) << length;
+        EXPECT_EQ(out, "old");
+    }
 }
 
 TEST(Base64Encode, KeepsWhatStandsBeforeANulInTheOutput) {

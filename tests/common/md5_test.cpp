@@ -187,17 +187,34 @@ TEST(MD5, UpdateCarriesTheByteCountIntoItsHighWord) {
     EXPECT_EQ(md5.bytes[1], 1u);
 }
 
-TEST(MD5, FinalHashesTheHighBitsOfTheLength) {
-    OpenMD5 low;
-    OpenMD5 high;
-    low.bytes[0] = 0x20000000u;  // 2^29 bytes: the bit length's low word is zero
-    high.bytes[1] = 1;           // 2^32 bytes: eight times as many
-    const Digest lowDigest = finish(low);
-    const Digest highDigest = finish(high);
-    EXPECT_NE(lowDigest, hashOf(""));
-    EXPECT_NE(highDigest, hashOf(""));
-    EXPECT_NE(lowDigest, highDigest);
+struct Length {
+    unsigned int low;
+    unsigned int high;
+    std::array<unsigned int, 2> bits;
+};
+class MD5Length : public testing::TestWithParam<Length> {};
+
+TEST_P(MD5Length, IsHashedInBitsOfWhichThereAre64) {
+    OpenMD5 md5;
+    md5.bytes[0] = GetParam().low;
+    md5.bytes[1] = GetParam().high;
+    // The last block when nothing is left but the length.
+    std::array<unsigned int, 16> block{0x80};
+    block[14] = GetParam().bits[0];
+    block[15] = GetParam().bits[1];
+    std::array<unsigned int, 4> chain{0x67452301u, 0xefcdab89u, 0x98badcfeu, 0x10325476u};
+    CMD5::Transform(chain.data(), block.data());
+    CMD5::byteSwap(chain.data(), 4);
+    Digest expected;
+    std::memcpy(expected.data(), chain.data(), sizeof chain);
+    EXPECT_EQ(finish(md5), expected);
 }
+
+INSTANTIATE_TEST_SUITE_P(
+    Bytes, MD5Length,
+    testing::Values(Length{64, 0, {512, 0}}, Length{0x1fffffc0, 0, {0xfffffe00, 0}},
+                    Length{0x20000000, 0, {0, 1}}, Length{0xffffffc0, 0, {0xfffffe00, 7}},
+                    Length{0, 1, {0, 8}}, Length{0x40000040, 0x12345678, {0x200, 0x91a2b3c2}}));
 
 TEST(MD5, FinalWipesTheWholeState) {
     OpenMD5 md5;
