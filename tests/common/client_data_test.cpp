@@ -4,11 +4,14 @@
 #include <openssl/evp.h>
 #include <openssl/hmac.h>
 
+#include <atomic>
 #include <random>
 #include <string>
 #include <string_view>
+#include <thread>
 
 #include "CRFCBase64.h"
+#include "on_threads.h"
 #include "random_seed.h"
 #include "text_of.h"
 
@@ -65,6 +68,21 @@ TEST(Signature, DependsOnTheMessage) {
 
 TEST(Signature, OfANullMessageIsThatOfTheEmptyOne) {
     EXPECT_EQ(textOf(signMessage(nullptr, "t")), peerSignature(""));
+}
+
+TEST(Signature, FirstSigningsOnManyThreadsAtOnceAreRight) {
+    constexpr int count = 8;
+    const std::string expected = peerSignature("message");
+    std::atomic<int> ready{0};
+    std::atomic<int> right{0};
+    onThreads(count, [&](int) {
+        ++ready;
+        while (ready < count) std::this_thread::yield();
+        for (int round = 0; round < 100; ++round) {
+            if (textOf(signMessage("message", "t")) == expected) ++right;
+        }
+    });
+    EXPECT_EQ(right, count * 100);
 }
 
 TEST(ClientData, IsTheEncodedRecordWithItsSignatureBehindIt) {

@@ -2,11 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cerrno>
 #include <cstring>
 #include <string>
 
 #include "CRFCBase64.h"
+#include "on_threads.h"
 #include "text_of.h"
 
 namespace {
@@ -166,20 +168,23 @@ TEST(DeviceDocument, OfAnEmptyRecordHasOnlyWhatIsAlwaysThere) {
 }
 
 TEST(DeviceDocument, OfAFullRecordHasEveryElementInOrder) {
-    UDeviceInfo device;
-    device.plugin = device.javascript = device.activex = device.jailbreak = true;
-    device.cpu = "arm";
-    device.platform = "iOS";
-    device.model = "M";
-    device.platform_version = "PV";
-    device.imei = "I";
-    device.mac_address = "MA";
-    device.unique_id = "U";
-    device.serial_number = "SN";
-    device.reserved_id = "not in the document";
-    device.vendor_data = "VD";
-    device.app_id = "AI";
-    device.app_version = "AV";
+    // Named in the order of their declaration, or this does not compile.
+    const UDeviceInfo device{.plugin = true,
+                             .javascript = true,
+                             .activex = true,
+                             .cpu = "arm",
+                             .platform = "iOS",
+                             .model = "M",
+                             .platform_version = "PV",
+                             .imei = "I",
+                             .mac_address = "MA",
+                             .unique_id = "U",
+                             .serial_number = "SN",
+                             .reserved_id = "not in the document",
+                             .vendor_data = "VD",
+                             .app_id = "AI",
+                             .app_version = "AV",
+                             .jailbreak = true};
     EXPECT_EQ(
         deviceDocument(device),
         "<agent_info><type>mobile</type><version>2.0</version><platform>iOS</platform>"
@@ -257,6 +262,36 @@ TEST(DeviceDocument, NullTexts) {
     EXPECT_EQ(document(formatDevInfo(nullptr, nullptr, UDeviceInfo(), nullptr))
                   .find("<agent_info><type>(null)</type><version>(null)</version>"),
               0U);
+}
+
+TEST(DeviceDocument, LongTextsAreWhole) {
+    UDeviceInfo device;
+    device.platform = CString('p', 70000);
+    device.vendor_data = CString('v', 70000);
+    const std::string uri(70000, 'u');
+    EXPECT_EQ(document(formatDevInfo("2.0", "t", device, uri.c_str())),
+              "<agent_info><type>t</type><version>2.0</version><platform>" +
+                  std::string(70000, 'p') +
+                  "</platform><cpu>x64</cpu><javascript>no</javascript><activex>no</activex>"
+                  "<plugin>no</plugin><landinguri>" +
+                  uri + "</landinguri><vendor_data>" + std::string(70000, 'v') + "</vendor_data>" +
+                  fixedExtras + "</agent_info>");
+}
+
+TEST(DeviceDocument, ManyThreadsMakeTheirOwn) {
+    UDeviceInfo device;
+    device.model = "M";
+    const bool locked = true;
+    const CString expected = formatDevInfo("2.0", "t", device, "u");
+    const CString desktopExpected = formatDevInfo("2.0", "t", true, &locked, "u", "a");
+    std::atomic<int> right{0};
+    onThreads(4, [&](int) {
+        for (int round = 0; round < 100; ++round) {
+            if (formatDevInfo("2.0", "t", device, "u") == expected) ++right;
+            if (formatDevInfo("2.0", "t", true, &locked, "u", "a") == desktopExpected) ++right;
+        }
+    });
+    EXPECT_EQ(right, 800);
 }
 
 TEST(HostNameText, IsTheEncodedNameOrEmpty) {
