@@ -1,41 +1,20 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <utility>
 
 #include "UDNSMatch.h"
-#include "matcher_records.h"
-#include "text_of.h"
+#include "matcher_expectations.h"
 
 namespace {
 
 const char* const kSet = "UDNSMatch::setPattern()";
-const char* const kNormalize = "UDNSMatch::normalize()";
 
-TEST(DnsMatch, WithoutAPatternMatchesNothing) {
-    const UDNSMatch matcher;
-    EXPECT_STREQ(matcher.getPattern(), "");
-    EXPECT_EQ(textOf(matcher.toString()), "");
-    EXPECT_FALSE(matcher.match(""));
-    EXPECT_FALSE(matcher.match("host"));
-    EXPECT_FALSE(matcher.match(nullptr));
-    EXPECT_FALSE(matcher.matchAsDWORD(0));
-}
+TEST(DnsMatch, WithoutAPatternMatchesNothing) { expectNoPattern(UDNSMatch(), {"", "host"}); }
 
-struct Row {
-    const char* pattern;
-    const char* text;
-    bool isMatch;
-};
+using Row = MatchRow;
 class DnsCandidate : public testing::TestWithParam<Row> {};
 
-TEST_P(DnsCandidate, MatchesInWhateverCase) {
-    const Row& row = GetParam();
-    const UDNSMatch matcher(row.pattern);
-    EXPECT_STREQ(matcher.getPattern(), row.pattern);
-    EXPECT_EQ(textOf(matcher.toString()), row.pattern);
-    EXPECT_EQ(matcher.match(row.text), row.isMatch);
-}
+TEST_P(DnsCandidate, MatchesInWhateverCase) { expectMatch<UDNSMatch>(GetParam()); }
 
 INSTANTIATE_TEST_SUITE_P(
     Rows, DnsCandidate,
@@ -62,9 +41,8 @@ TEST(DnsMatch, NumbersNeverMatch) {
 
 class NoDnsPattern : public testing::TestWithParam<const char*> {
   protected:
-    static std::string shown() { return GetParam() == nullptr ? "" : GetParam(); }
     static Records refusal() {
-        return {raised(kSet, "invalid host part, " + shown()), caught(kSet)};
+        return {raised(kSet, "invalid host part, " + orEmpty(GetParam())), caught(kSet)};
     }
 };
 
@@ -74,13 +52,7 @@ TEST_P(NoDnsPattern, IsRefused) {
 }
 
 TEST_P(NoDnsPattern, CannotBeNormalized) {
-    Records records = refusal();
-    records.push_back(raised(kNormalize, "wrong pattern, " + shown()));
-    records.push_back(caught(kNormalize));
-    const UDNSMatch matcher;
-    CString out("as it was");
-    EXPECT_EQ(recordsOf([&] { EXPECT_EQ(matcher.normalize(GetParam(), out, ','), -1); }), records);
-    EXPECT_EQ(textOf(out), "as it was");
+    expectNoNormalForm<UDNSMatch>(GetParam(), refusal(), "UDNSMatch::normalize()");
 }
 
 INSTANTIATE_TEST_SUITE_P(Rows, NoDnsPattern,
@@ -89,21 +61,13 @@ INSTANTIATE_TEST_SUITE_P(Rows, NoDnsPattern,
                                          static_cast<const char*>(nullptr)));
 
 TEST(DnsMatch, PatternIsNormalizedToHostInLowerCaseAndPort) {
-    const UDNSMatch matcher;
-    for (const auto& [pattern, normal] : std::initializer_list<std::pair<const char*, const char*>>{
-             {"*.Example.COM", "*.example.com"},
-             {"Host:443", "host:443"},
-             {":Host::443:", "host:443"},
-             {"host:HTTP:x", "host:HTTP"},
-             {"host: 443 ", "host:443"},
-             {"host: :x", "host"},
-             {"host:", "host"}}) {
-        CString out;
-        EXPECT_EQ(matcher.normalize(pattern, out, ','), 0);
-        EXPECT_EQ(textOf(out), normal);
-        EXPECT_EQ(matcher.normalize(out, out, ';'), 0);
-        EXPECT_EQ(textOf(out), normal);
-    }
+    expectNormalForms<UDNSMatch>({{"*.Example.COM", "*.example.com"},
+                                  {"Host:443", "host:443"},
+                                  {":Host::443:", "host:443"},
+                                  {"host:HTTP:x", "host:HTTP"},
+                                  {"host: 443 ", "host:443"},
+                                  {"host: :x", "host"},
+                                  {"host:", "host"}});
 }
 
 TEST(DnsMatch, TakesItsOwnPatternAgain) {

@@ -10,6 +10,7 @@
 
 #include "UDNSMatch.h"
 #include "UDWORDMatch.h"
+#include "UException.h"
 #include "UIPSubnetMatch.h"
 #include "UPatternMatch.h"
 #include "UTCPMatch.h"

@@ -10,6 +10,7 @@
 #include <string>
 
 #include "StringHelper.h"
+#include "UException.h"
 #include "UExpressionMatch.h"
 #include "UPatternMatch.h"
 #include "UTCPMatch.h"

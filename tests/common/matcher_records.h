@@ -1,11 +1,8 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <string>
 #include <vector>
 
-#include "UException.h"
 #include "record_log.h"
 
 /// What matchers log, without line numbers.
@@ -39,36 +36,4 @@ Records recordsOf(Action action) {
     Records records;
     for (const std::string& item : log.items()) records.push_back(withoutLine(item));
     return records;
-}
-
-/// Expects that `pattern` is refused with `records`, by the setter, which leaves no pattern of the
-/// `good` one that was there, and by the constructor, which raises `function`'s "invalid pattern".
-template <class Match>
-void expectRefused(const char* pattern, const Records& records, const char* function,
-                   const char* good, const char* candidate) {
-    Match matcher(good);
-    ASSERT_TRUE(matcher.match(candidate));
-    EXPECT_EQ(recordsOf([&] { EXPECT_EQ(matcher.setPattern(pattern), -1); }), records);
-    EXPECT_STREQ(matcher.getPattern(), "");
-    EXPECT_FALSE(matcher.match(candidate));
-
-    const std::string message =
-        std::string("invalid pattern, ") + (pattern == nullptr ? "" : pattern);
-    Records withConstructor = records;
-    withConstructor.push_back(raised(function, message));
-    EXPECT_EQ(recordsOf([&] {
-                  try {
-                      const Match made(pattern);
-                      ADD_FAILURE() << "nothing raised";
-                  } catch (const UException& e) {
-                      EXPECT_EQ(e.GetErrorCode(), -1);
-                      EXPECT_STREQ(e.GetFileName(), "/str_helper");
-                      EXPECT_STREQ(e.GetFunctionName(), function);
-                      EXPECT_EQ(e.GetErrorMessage(), "EXCEPTION - " + message);
-                  }
-              }),
-              withConstructor);
-
-    EXPECT_EQ(matcher.setPattern(good), 0);
-    EXPECT_TRUE(matcher.match(candidate));
 }

@@ -4,21 +4,13 @@
 #include <string>
 
 #include "UDWORDMatch.h"
-#include "matcher_records.h"
-#include "text_of.h"
+#include "matcher_expectations.h"
 
 namespace {
 
 const char* const kSet = "UDWORDMatch::setPattern()";
 
-TEST(NumberMatch, WithoutAPatternMatchesNothing) {
-    const UDWORDMatch matcher;
-    EXPECT_STREQ(matcher.getPattern(), "");
-    EXPECT_EQ(textOf(matcher.toString()), "");
-    EXPECT_FALSE(matcher.match("0"));
-    EXPECT_FALSE(matcher.matchAsDWORD(0));
-    EXPECT_FALSE(matcher.match(nullptr));
-}
+TEST(NumberMatch, WithoutAPatternMatchesNothing) { expectNoPattern(UDWORDMatch(), {"0"}); }
 
 TEST(NumberMatch, OfANumberMatchesThatAlone) {
     const UDWORDMatch matcher("80");
@@ -92,8 +84,8 @@ class NoNumberPattern : public testing::TestWithParam<const char*> {};
 
 TEST_P(NoNumberPattern, IsRefused) {
     const char* const pattern = GetParam();
-    const std::string shown = pattern == nullptr ? "" : pattern;
-    expectRefused<UDWORDMatch>(pattern, {raised(kSet, "invalid pattern, " + shown), caught(kSet)},
+    expectRefused<UDWORDMatch>(pattern,
+                               {raised(kSet, "invalid pattern, " + orEmpty(pattern)), caught(kSet)},
                                "UDWORDMatch::UDWORDMatch()", "80-90", "85");
 }
 

@@ -1,41 +1,20 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <utility>
 
 #include "UTCPMatch.h"
-#include "matcher_records.h"
-#include "text_of.h"
+#include "matcher_expectations.h"
 
 namespace {
 
 const char* const kSet = "UTCPMatch::setPattern()";
-const char* const kNormalize = "UTCPMatch::normalize()";
-const char* const kConstructor = "UTCPMatch::UTCPMatch()";
 
-TEST(TcpMatch, WithoutAPatternMatchesNothing) {
-    const UTCPMatch matcher;
-    EXPECT_STREQ(matcher.getPattern(), "");
-    EXPECT_EQ(textOf(matcher.toString()), "");
-    EXPECT_FALSE(matcher.match("0.0.0.0:0"));
-    EXPECT_FALSE(matcher.match(nullptr));
-    EXPECT_FALSE(matcher.matchAsDWORD(0));
-}
+TEST(TcpMatch, WithoutAPatternMatchesNothing) { expectNoPattern(UTCPMatch(), {"0.0.0.0:0"}); }
 
-struct Row {
-    const char* pattern;
-    const char* text;
-    bool isMatch;
-};
+using Row = MatchRow;
 class TcpCandidate : public testing::TestWithParam<Row> {};
 
-TEST_P(TcpCandidate, MatchesOrNot) {
-    const Row& row = GetParam();
-    const UTCPMatch matcher(row.pattern);
-    EXPECT_STREQ(matcher.getPattern(), row.pattern);
-    EXPECT_EQ(textOf(matcher.toString()), row.pattern);
-    EXPECT_EQ(matcher.match(row.text), row.isMatch);
-}
+TEST_P(TcpCandidate, MatchesOrNot) { expectMatch<UTCPMatch>(GetParam()); }
 
 INSTANTIATE_TEST_SUITE_P(
     NetworkAndPort, TcpCandidate,
@@ -75,26 +54,22 @@ struct Refused {
     const char* pattern;
     Records records;
 };
-class NoTcpPattern : public testing::TestWithParam<Refused> {};
+class NoTcpPattern : public testing::TestWithParam<Refused> {
+  protected:
+    static Records refusal() {
+        Records records = GetParam().records;
+        records.push_back(caught(kSet));
+        return records;
+    }
+};
 
 TEST_P(NoTcpPattern, IsRefused) {
-    Records records = GetParam().records;
-    records.push_back(caught(kSet));
-    expectRefused<UTCPMatch>(GetParam().pattern, records, kConstructor, "10.0.0.0/8:80",
-                             "10.0.0.1:80");
+    expectRefused<UTCPMatch>(GetParam().pattern, refusal(), "UTCPMatch::UTCPMatch()",
+                             "10.0.0.0/8:80", "10.0.0.1:80");
 }
 
 TEST_P(NoTcpPattern, CannotBeNormalized) {
-    const char* const pattern = GetParam().pattern;
-    Records records = GetParam().records;
-    records.push_back(caught(kSet));
-    records.push_back(
-        raised(kNormalize, std::string("wrong pattern, ") + (pattern == nullptr ? "" : pattern)));
-    records.push_back(caught(kNormalize));
-    const UTCPMatch matcher;
-    CString out("as it was");
-    EXPECT_EQ(recordsOf([&] { EXPECT_EQ(matcher.normalize(pattern, out, ','), -1); }), records);
-    EXPECT_EQ(textOf(out), "as it was");
+    expectNoNormalForm<UTCPMatch>(GetParam().pattern, refusal(), "UTCPMatch::normalize()");
 }
 
 Records noSubnet(const std::string& text) {
@@ -160,21 +135,12 @@ TEST(TcpMatch, PatternThatCannotBeSplitLeavesThePartsAlone) {
 }
 
 TEST(TcpMatch, PatternIsNormalizedToDottedNetworkAndPort) {
-    const UTCPMatch matcher;
-    for (const auto& [pattern, normal] : std::initializer_list<std::pair<const char*, const char*>>{
-             {"10.1.2.3/8:80", "10.1.2.3/255.0.0.0:80"},
-             {"10.0.0.0/255.0.0.0:1-2", "10.0.0.0/255.0.0.0:1-2"},
-             {"010.000.0.0/ 8: 80 ", "10.0.0.0/255.0.0.0:80"},
-             {":10.0.0.0/8/::80:", "10.0.0.0/255.0.0.0:80"},
-             {"1.2.3.4/0", "1.2.3.4/0.0.0.0"},
-             {"1.2.3.4/32", "1.2.3.4/255.255.255.255"}}) {
-        CString out;
-        EXPECT_EQ(matcher.normalize(pattern, out, ','), 0);
-        EXPECT_EQ(textOf(out), normal);
-        // What is normal stays so, wherever it stands.
-        EXPECT_EQ(matcher.normalize(out, out, ';'), 0);
-        EXPECT_EQ(textOf(out), normal);
-    }
+    expectNormalForms<UTCPMatch>({{"10.1.2.3/8:80", "10.1.2.3/255.0.0.0:80"},
+                                  {"10.0.0.0/255.0.0.0:1-2", "10.0.0.0/255.0.0.0:1-2"},
+                                  {"010.000.0.0/ 8: 80 ", "10.0.0.0/255.0.0.0:80"},
+                                  {":10.0.0.0/8/::80:", "10.0.0.0/255.0.0.0:80"},
+                                  {"1.2.3.4/0", "1.2.3.4/0.0.0.0"},
+                                  {"1.2.3.4/32", "1.2.3.4/255.255.255.255"}});
 }
 
 TEST(TcpMatch, TakesItsOwnPatternAgain) {
