@@ -6,6 +6,7 @@
 #include <cwchar>
 
 #include "item_log.h"
+#include "process_log.h"
 #include "row_name.h"
 
 namespace {
@@ -15,9 +16,6 @@ using testing::IsEmpty;
 
 class ErrorLogLevels : public testing::Test {
   protected:
-    ErrorLogLevels() : m_before(errorLog) { errorLog = &log; }
-    ~ErrorLogLevels() override { errorLog = m_before; }
-
     void setLevel(int level) {
         log.SetLogLevel(level);
         log.clear();
@@ -26,7 +24,7 @@ class ErrorLogLevels : public testing::Test {
     ItemLog log;
 
   private:
-    IUErrorLog* m_before;
+    AsProcessLog m_asProcessLog{log};
 };
 
 using Shortcut = void (*)(const char*, ...);

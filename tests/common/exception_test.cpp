@@ -7,6 +7,7 @@
 #include <type_traits>
 
 #include "bare_log.h"
+#include "process_log.h"
 #include "record_log.h"
 
 namespace {
@@ -318,9 +319,8 @@ TEST(WriteToLog, SwallowsWhatTheLogRaises) {
       public:
         int WriteLogItem(const char* /*text*/) override { throw 5; }
     } log;
-    errorLog = &log;
+    const AsProcessLog asProcessLog(log);
     EXPECT_STREQ(UException("failed").GetErrorMessage(), "failed");
-    errorLog = nullptr;
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 
 #include "capturing_log.h"
 #include "file_log_home.h"
+#include "process_log.h"
 #include "sandbox_main.h"
 
 namespace {
@@ -71,9 +72,6 @@ TEST_F(FileLogDisk, TextWithBytesIsNotReportedEither) {
 // The failure's own record, as the process's log object receives it.
 class FileLogBlock : public FileLogDisk {
   protected:
-    FileLogBlock() : m_before(errorLog) { errorLog = &record; }
-    ~FileLogBlock() override { errorLog = m_before; }
-
     static std::string recordOf(const std::string& function, const std::string& call, int error) {
         return ", " + function + ", EXCEPTION - " + call + " failed (error), " +
                std::to_string(error) + "\n)>";
@@ -82,7 +80,7 @@ class FileLogBlock : public FileLogDisk {
     CapturingLog record;
 
   private:
-    IUErrorLog* m_before;
+    AsProcessLog m_asProcessLog{record};
 };
 
 TEST_F(FileLogBlock, ThatDoesNotFitIsAFailureThatIsLogged) {

@@ -8,6 +8,7 @@
 #include "UGuarded.h"
 #include "URaise.h"
 #include "file_log_home.h"
+#include "process_log.h"
 #include "row_name.h"
 
 namespace {
@@ -15,11 +16,7 @@ namespace {
 // The log is the process's, too, so that exceptions and shortcuts end in its file.
 class FileLogLimits : public FileLogTest {
   protected:
-    FileLogLimits() : m_before(errorLog) {
-        open();
-        errorLog = &log;
-    }
-    ~FileLogLimits() override { errorLog = m_before; }
+    FileLogLimits() { open(); }
 
     // The items that `write` adds.
     std::vector<std::string> added(const std::function<void()>& write) {
@@ -30,7 +27,7 @@ class FileLogLimits : public FileLogTest {
     }
 
   private:
-    IUErrorLog* m_before;
+    AsProcessLog m_asProcessLog{log};
 };
 
 std::string text(std::size_t length) { return std::string(length, 'x'); }

@@ -4,13 +4,12 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <thread>
-#include <vector>
 
 #include "AfxDebug.h"
 #include "UGuarded.h"
 #include "URaise.h"
 #include "bare_log.h"
+#include "on_threads.h"
 
 namespace {
 
@@ -30,16 +29,9 @@ class CountingLog final : public BareLog {
     std::atomic<int> m_count{0};
 };
 
-template <typename Work>
-void onAllThreads(Work work) {
-    std::vector<std::thread> threads;
-    for (int i = 0; i < kThreads; ++i) threads.emplace_back(work, i);
-    for (std::thread& thread : threads) thread.join();
-}
-
 TEST(FormattingThreads, RaiseAndCatchAtOnceAndLoseNoRecord) {
     const CountingLog log;
-    onAllThreads([](int thread) {
+    onThreads(kThreads, [](int thread) {
         for (int i = 0; i < kRounds; ++i) {
             EXPECT_EQ(UGuarded("work() - EXCEPTION",
                                [thread, i] { URaise("work()", "failed", thread, i); }),
@@ -51,7 +43,7 @@ TEST(FormattingThreads, RaiseAndCatchAtOnceAndLoseNoRecord) {
 
 TEST(FormattingThreads, TraceAndConvertWideTextAtOnce) {
     g_dwDebugFlags = 0;
-    onAllThreads([](int thread) {
+    onThreads(kThreads, [](int thread) {
         for (int i = 0; i < kRounds; ++i) {
             AfxTrace("%d\n", i);
             EXPECT_STREQ(createString(L"wide"), "wide");
