@@ -61,6 +61,10 @@ TEST_F(LauncherLog, CopiesOfTheProcessNeverWaitForItsOtherThreads) {
     done = true;
     for (std::thread& thread : threads) thread.join();
     for (const std::string& file : {path(), path() + ".bak"}) itemsOf(file);
+
+    // In a file that is too small to rotate.
+    module->errorLog()->Close();
+    EXPECT_EQ(module->errorLog()->Open(path().c_str(), "w"), 0);
     EXPECT_EQ(start(), 0);
     EXPECT_THAT(itemsOf(path()),
                 testing::Contains("0,,,, [LaunchVPN] - something wrong if we are here!"));
