@@ -221,7 +221,7 @@ class HexLines : public LogInterface {
 std::string hexLine(unsigned int first, unsigned int count) {
     std::string line = "10,,,, ";
     for (unsigned int i = first; i < first + count; ++i) {
-        char cell[8];
+        char cell[12];
         std::snprintf(cell, sizeof cell, " %2X", i);
         line += cell;
     }

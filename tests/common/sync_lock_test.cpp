@@ -210,7 +210,8 @@ TEST(TimedLock, IsOverOnlyWhenTheTimeIsPastTheDeadline) {
     ASSERT_EQ(pthread_mutex_lock(&mutex), 0);
     const timeval reached{.tv_sec = 100, .tv_usec = 5};
     const timeval before{.tv_sec = 99, .tv_usec = 999999};
-    for (const timeval past : {timeval{.tv_sec = 100, .tv_usec = 6}, timeval{.tv_sec = 101, .tv_usec = 0}}) {
+    for (const timeval past :
+         {timeval{.tv_sec = 100, .tv_usec = 6}, timeval{.tv_sec = 101, .tv_usec = 0}}) {
         resetPosixCalls();
         tellTimes({before, reached, past});
         EXPECT_EQ(xpthread_mutex_timedlock(&mutex, &deadline), ETIMEDOUT);
