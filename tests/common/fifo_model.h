@@ -92,12 +92,20 @@ class FifoAndDeque {
     }
 
     void popToStream(int length) {
-        RecordStream stream({answer(), answer()});
+        const long first = answer();
+        const long second = answer();
+        RecordStream stream({first, second});
+        const bool wraps = m_capacity + 1 - m_fifo.getTail() < length;
         const long result = m_fifo.popToStream(&stream, length);
         if (!has(length)) {
+            ASSERT_EQ(result, -1);
             ASSERT_TRUE(stream.pieces.empty());
+            return;
         }
-        if (result == -1) return;
+        const bool isTaken = first > 0 && (!wraps || second > 0);
+        ASSERT_EQ(result, isTaken ? first + (wraps ? second : 0) : -1);
+        if (!isTaken) return;
+        ASSERT_EQ(stream.pieces.size(), wraps ? 2U : 1U);
         ASSERT_EQ(joined(stream), oldest(length));
         erase(length);
     }
