@@ -154,7 +154,9 @@ std::size_t referenceEstimate(const Case& c) {
         if (!sized && isOneOf(item.conversion, "scC")) {
             length = 2;
             if (item.conversion == "s") {
-                const char* const text = next < kArguments ? c.texts[next] : nullptr;
+                // The 's' behind "%F" finds a number, which is not read as a text.
+                const bool isText = next < kArguments && c.kinds[next] == Kind::text;
+                const char* const text = isText ? c.texts[next] : nullptr;
                 length = text == nullptr ? 6 : static_cast<long long>(std::string(text).size());
                 length = std::max(length, 1LL);
             }
