@@ -106,6 +106,46 @@ void semaphoreQt(benchmark::State& state) {
     }
 }
 
+class OurGate {
+  public:
+    void open() { m_semaphore.Release(); }
+    void pass() { m_semaphore.Acquire(kWaitForever); }
+
+  private:
+    USemaphore m_semaphore{0, 1};
+};
+
+class PosixGate {
+  public:
+    PosixGate() { sem_init(&m_semaphore, 0, 0); }
+    ~PosixGate() { sem_destroy(&m_semaphore); }
+    PosixGate(const PosixGate&) = delete;
+    PosixGate& operator=(const PosixGate&) = delete;
+    void open() { sem_post(&m_semaphore); }
+    void pass() { sem_wait(&m_semaphore); }
+
+  private:
+    sem_t m_semaphore;
+};
+
+// Two threads that let each other go on in turn: there and back an iteration.
+template <typename Gate>
+void pingPong(benchmark::State& state) {
+    Gate there;
+    Gate back;
+    bool isOver = false;
+    std::thread other([&] {
+        for (there.pass(); !isOver; there.pass()) back.open();
+    });
+    for (auto _ : state) {
+        there.open();
+        back.pass();
+    }
+    isOver = true;
+    there.open();
+    other.join();
+}
+
 void eventOurs(benchmark::State& state) {
     UEvent event(true, true);
     for (auto _ : state) benchmark::DoNotOptimize(event.wait(kWaitForever));
@@ -125,6 +165,8 @@ BENCHMARK(timedQt);
 BENCHMARK(semaphoreOurs);
 BENCHMARK(semaphorePosix);
 BENCHMARK(semaphoreQt);
+BENCHMARK(pingPong<OurGate>)->UseRealTime();
+BENCHMARK(pingPong<PosixGate>)->UseRealTime();
 BENCHMARK(eventOurs);
 
 }  // namespace
