@@ -110,7 +110,8 @@ struct ItemText {
             return taken;
         };
         flags = take("-+0 #*", format.size());
-        width = take("0123456789", format.size());
+        // A '*' is the whole width: digits behind it are no part of the item.
+        if (!starred()) width = take("0123456789", format.size());
         precision = take(".", 1);
         if (!precision.empty()) {
             const std::string star = take("*", 1);
@@ -120,6 +121,8 @@ struct ItemText {
         conversion = format.substr(std::min(at + length, format.size()), 1);
         length += conversion.size();
     }
+
+    bool starred() const { return flags.find('*') != std::string::npos; }
 };
 
 // The argument of a "*"; one that printf does not take is 0.
@@ -140,8 +143,8 @@ std::size_t referenceEstimate(const Case& c) {
         const auto known = c.firstArgument.find(at);
         std::size_t next = known == c.firstArgument.end() ? kArguments : known->second;
         total += 2 * std::count(item.flags.begin(), item.flags.end(), '#');
-        const bool starred = item.flags.find('*') != std::string::npos;
-        const long long width = starred ? integerAt(c, next++) : std::atoi(item.width.c_str());
+        const long long width =
+            item.starred() ? integerAt(c, next++) : std::atoi(item.width.c_str());
         bool precise = !item.precision.empty();
         long long precision = precise ? std::atoi(item.precision.c_str() + 1) : 0;
         if (item.precision == ".*") {
