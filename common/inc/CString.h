@@ -156,7 +156,7 @@ class CString {
     void FreeExtra();
     /// Locks the text: from now on it is copied, never shared. @return the characters.
     char* LockBuffer();
-    /// Lets the text be shared again.
+    /// Lets the text be shared again. One that was not locked is unshared.
     void UnlockBuffer();
 
     friend CString operator+(const CString& a, const CString& b);

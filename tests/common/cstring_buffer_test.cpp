@@ -217,6 +217,23 @@ TEST(CStringLock, OfASharedTextTakesAPrivateCopyFirst) {
     EXPECT_EQ(other.GetData()->refCount, 1);
 }
 
+TEST(CStringLock, UnlockOfASharedTextForgetsNoSharer) {
+    CString s("abc");
+    const CString other(s);
+    const CString third(s);
+    s.UnlockBuffer();
+    EXPECT_EQ(s.GetData()->refCount, 1);
+    EXPECT_EQ(other.GetData()->refCount, 2);
+    EXPECT_EQ(textOf(s), "abc");
+
+    CString empty("abc");
+    empty.ReleaseBuffer(0);
+    const CString emptyToo(empty);
+    empty.UnlockBuffer();
+    EXPECT_EQ(empty.GetData(), afxDataNil);
+    EXPECT_EQ(emptyToo.GetData()->refCount, 1);
+}
+
 TEST(CStringLock, WritesInPlaceWhileTheTextFits) {
     CString s("abc");
     const char* const block = s.LockBuffer();

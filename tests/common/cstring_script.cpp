@@ -254,8 +254,8 @@ class Script {
         EXPECT_EQ(m_text[at].GetData()->refCount, -1);
     }
     void Unlock(std::size_t at) {
-        // A shared text was never locked, and unlocking it would forget its sharers.
-        if (m_text[at].GetData()->refCount < 0) m_text[at].UnlockBuffer();
+        m_text[at].UnlockBuffer();
+        EXPECT_EQ(m_text[at].GetData()->refCount, m_text[at].GetData() == afxDataNil ? -1 : 1);
     }
     void Reverse(std::size_t at) { m_text[at].MakeReverse(); }
 

@@ -38,6 +38,9 @@ char* CString::LockBuffer() {
     return m_pchData;
 }
 
+// A text that was never locked may be shared: the count of its own block is 1 then, too, and its
+// sharers keep theirs.
 void CString::UnlockBuffer() {
+    CopyBeforeWrite();
     if (!IsNil()) GetData()->refCount = 1;
 }
