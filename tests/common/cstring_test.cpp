@@ -277,6 +277,14 @@ TEST(CStringConcatenation, OfItselfIsSafeInPlaceAndMoved) {
     EXPECT_EQ(textOf(inPlace), "abcabcbc");
 }
 
+TEST(CStringConcatenation, OfWhatStandsInTheOwnRoomBehindTheTextIsSafe) {
+    CString s("abcdefgh");
+    const char* const own = s;
+    s = "x";
+    s += own + 2;
+    EXPECT_EQ(textOf(s), "xcdefgh");
+}
+
 TEST(CStringConcatenation, OnASharedTextLeavesTheOtherAlone) {
     CString a("abc");
     a.GetBuffer(10);

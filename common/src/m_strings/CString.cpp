@@ -102,7 +102,7 @@ void CString::ConcatInPlace(std::size_t length, const char* text) {
     const std::size_t oldLength = static_cast<std::size_t>(old->dataLength);
     const std::size_t newLength = oldLength + length;
     if (newLength <= static_cast<std::size_t>(old->allocLength) && RefCount(old) < 2) {
-        memcpy(m_pchData + oldLength, text, length);
+        memmove(m_pchData + oldLength, text, length);
         m_pchData[newLength] = '\0';
         old->dataLength = static_cast<int>(newLength);
         return;
