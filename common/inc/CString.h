@@ -145,7 +145,9 @@ class CString {
     void FormatV(const char* format, va_list args) __attribute__((format(printf, 2, 0)));
 
     /// Makes room for `count` characters in a block that nobody shares and retains the text.
-    /// @return the characters, to be written up to `count`; call `ReleaseBuffer` afterwards.
+    /// @return the characters: `count` of them may be written, with a terminator behind, and then
+    /// `ReleaseBuffer` called. Of an empty text with a count of 0 nothing may be written, not even
+    /// a terminator: it has no block of its own.
     char* GetBuffer(int count);
     /// Ends the writing that `GetBuffer` began: the text is now `length` bytes long, or ends at its
     /// first NUL when `length` is -1. A length beyond the room counts as the room.
@@ -159,6 +161,7 @@ class CString {
     /// Lets the text be shared again. One that was not locked is unshared.
     void UnlockBuffer();
 
+    /// @return both texts, or the text and the character, a NUL too, in a block of their own.
     friend CString operator+(const CString& a, const CString& b);
     friend CString operator+(const CString& a, const char* b);
     friend CString operator+(const char* a, const CString& b);
@@ -202,8 +205,9 @@ struct CStringEmptyRecord {
     char text;
 };
 
+/// The one empty record. Constant: no thread may write it.
 extern const CStringEmptyRecord rgInitData;
-/// The empty record's header and its characters.
+/// Its header and its characters.
 extern const CString::CStringData* const afxDataNil;
 extern const char* const afxPchNil;
 /// The empty text of assignments.
