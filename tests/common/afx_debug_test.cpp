@@ -111,6 +111,12 @@ TEST_F(AfxDebug, TraceIsCutAtItsBuffer) {
     EXPECT_EQ(systemLog()[0].text, prefix() + std::string(10238 - prefix().size(), 'x'));
 }
 
+TEST_F(AfxDebug, TraceThatCannotBeFormattedIsSentAsFarAsItGoes) {
+    EXPECT_EQ(AfxTrace("%ls", L"\x20AC"), 0);
+    ASSERT_EQ(systemLog().size(), 1U);
+    EXPECT_EQ(systemLog()[0].text, prefix());
+}
+
 TEST_F(AfxDebug, TraceOfANullFormatIsItsPrefix) {
     const char* const none = nullptr;
     AfxTrace(none);

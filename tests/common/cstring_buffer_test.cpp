@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstring>
+#include <functional>
 #include <string>
 #include <type_traits>
 
@@ -243,6 +244,26 @@ TEST(CStringLock, WritesInPlaceWhileTheTextFits) {
     EXPECT_EQ(static_cast<const char*>(s), block);
     EXPECT_EQ(textOf(s), "yz");
     EXPECT_EQ(s.GetData()->refCount, -1);
+}
+
+TEST(CStringLock, EndsWithTheBlockWhenTheTextMovesToAnother) {
+    const std::function<void(CString&)> moves[] = {
+        [](CString& s) { s = "longer than before"; },
+        [](CString& s) { s = CString("longer than before"); },
+        [](CString& s) { s += "d"; },
+        [](CString& s) { s.Replace("b", "BB"); },
+        [](CString& s) { s.Format("%d", 5); },
+        [](CString& s) { s.GetBuffer(10); },
+        [](CString& s) { s.GetBufferSetLength(10); },
+        [](CString& s) { s.ReleaseBuffer(1), s.FreeExtra(); },
+    };
+    for (const auto& move : moves) {
+        CString s("abc");
+        const char* const block = s.LockBuffer();
+        move(s);
+        EXPECT_NE(static_cast<const char*>(s), block);
+        EXPECT_EQ(s.GetData()->refCount, 1);
+    }
 }
 
 TEST(CStringLock, EmptyRetainsTheBlock) {

@@ -82,6 +82,7 @@ TEST(CStringFormat, CharacterCountsTwo) {
     EXPECT_FORMAT(2, "x", "%c", 'x');
     EXPECT_FORMAT(5, "    x", "%5c", 'x');
     EXPECT_FORMAT(1, "x", "%.1c", 'x');
+    EXPECT_FORMAT(2, "x", "%C", L'x');
 }
 
 TEST(CStringFormat, NulCharacterEndsTheText) {
@@ -160,6 +161,13 @@ TEST(CStringFormat, SecondSizeLetterIsReadAsTheConversion) {
     EXPECT_FORMAT(1, "7", "%td", std::ptrdiff_t{77});
 }
 
+TEST(CStringFormat, SizeLettersOfLongNumbersAreSkipped) {
+    EXPECT_FORMAT(128, "1.5", "%Lg", 1.5L);
+    EXPECT_FORMAT(32, "123456", "%Ld", 123456LL);
+    // No conversion of printf's: what it makes of that is its own affair.
+    EXPECT_EQ(formatted("%Nd", 5).GetAllocLength(), 32);
+}
+
 TEST(CStringFormat, QIsCountedAsAnInteger) {
     EXPECT_FORMAT(33, "9223372036854775807", "%qd", LLONG_MAX);
     EXPECT_FORMAT(33, "18446744073709551615", "%qu", ULLONG_MAX);
@@ -169,6 +177,9 @@ TEST(CStringFormat, ConversionsThatTheEstimateDoesNotKnowCountNothing) {
     EXPECT_FORMAT(0, "", "%ls", L"wide");
     EXPECT_FORMAT(0, "", "%S", L"wide");
     EXPECT_FORMAT(0, "", "%lc", L'w');
+    EXPECT_FORMAT(0, "", "%hs", "abc");
+    EXPECT_FORMAT(0, "", "%hc", 'c');
+    EXPECT_FORMAT(2, "", "%#hs", "");
     EXPECT_FORMAT(0, "", "%E", 1.5);
     EXPECT_FORMAT(0, "", "%a", 1.5);
     EXPECT_FORMAT(0, "", "%m");

@@ -70,6 +70,26 @@ TEST(CStringModification, OfOneOfTwoCopiesLeavesTheOtherUnchanged) {
     }
 }
 
+TEST(CStringModification, ThatFindsNothingToDoStillUnshares) {
+    const std::function<void(CString&)> changes[] = {
+        [](CString& s) { s.SetAt(0, '1'); },
+        [](CString& s) { s.MakeUpper(); },
+        [](CString& s) { s.MakeLower(); },
+        [](CString& s) { EXPECT_EQ(s.Replace('b', 'X'), 0); },
+        [](CString& s) { s.TrimLeft(); },
+        [](CString& s) { s.TrimRight(); },
+        [](CString& s) { s.ReleaseBuffer(); },
+    };
+    for (const auto& change : changes) {
+        CString s("123");
+        const CString other(s);
+        change(s);
+        EXPECT_EQ(textOf(s), "123");
+        EXPECT_NE(s.GetData(), other.GetData());
+        EXPECT_EQ(other.GetData()->refCount, 1);
+    }
+}
+
 TEST(CStringReplaceCharacter, ReplacesEveryOneAndCounts) {
     CString s("abcabc");
     EXPECT_EQ(s.Replace('b', 'X'), 2);
@@ -127,6 +147,7 @@ TEST_P(CStringReplaceText, OfASharedTextLeavesTheOther) {
     EXPECT_EQ(s.Replace(row.what, row.by), row.count);
     EXPECT_EQ(textOf(s), row.expected);
     EXPECT_EQ(textOf(other), row.text);
+    EXPECT_EQ(s.GetAllocLength(), std::max(s.GetLength(), other.GetLength()));
     // Without an occurrence nothing changes: the text stays shared.
     EXPECT_EQ(s.GetData() == other.GetData(), row.count == 0);
 }
@@ -168,11 +189,16 @@ TEST(CStringReplace, OfTheOwnTextAndByTheOwnTextIsSafe) {
 
 TEST(CStringReplace, OnALockedTextKeepsTheLockWhileItFits) {
     CString s("abab");
-    s.LockBuffer();
+    const char* const block = s.LockBuffer();
     EXPECT_EQ(s.Replace("a", "x"), 2);
-    EXPECT_EQ(s.Replace("b", s), 2);
-    s.Replace("x", "");
-    EXPECT_EQ(textOf(s).find('x'), std::string::npos);
+    EXPECT_EQ(s.Replace("xb", "y"), 2);
+    EXPECT_EQ(s.Replace("y", "zz"), 2);
+    EXPECT_EQ(textOf(s), "zzzz");
+    EXPECT_EQ(static_cast<const char*>(s), block);
+    EXPECT_EQ(s.GetData()->refCount, -1);
+    EXPECT_EQ(s.Replace("z", s), 4);
+    EXPECT_EQ(textOf(s), "zzzzzzzzzzzzzzzz");
+    EXPECT_EQ(s.GetData()->refCount, 1);
 }
 
 TEST(CStringTrim, LeftRemovesLeadingWhiteSpace) {

@@ -48,6 +48,14 @@ TEST(CStringConstruction, CopyOfALockedTextIsPrivate) {
     EXPECT_EQ(a.GetData()->refCount, -1);
 }
 
+TEST(CStringConstruction, CopyOfALockedTextWithRoomTakesABlockOfExactlyTheText) {
+    CString a("abcdef");
+    a.LockBuffer();
+    a = "abc";
+    ASSERT_EQ(a.GetAllocLength(), 6);
+    EXPECT_EQ(CString(a).GetAllocLength(), 3);
+}
+
 TEST(CStringConstruction, CopyOfAnEmptyTextPointsAtTheEmptyRecord) {
     const CString a;
     const CString b(a);
@@ -59,6 +67,15 @@ TEST(CStringConstruction, MovedTextChangesHandsAndLeavesEmpty) {
     const CString b(std::move(a));
     EXPECT_EQ(textOf(b), "abc");
     EXPECT_EQ(b.GetData()->refCount, 1);
+    EXPECT_TRUE(isEmptyRecord(a));  // NOLINT(bugprone-use-after-move)
+}
+
+TEST(CStringConstruction, MovedTextTakesItsLockAlong) {
+    CString a("abc");
+    const char* const block = a.LockBuffer();
+    const CString b(std::move(a));
+    EXPECT_EQ(static_cast<const char*>(b), block);
+    EXPECT_EQ(b.GetData()->refCount, -1);
     EXPECT_TRUE(isEmptyRecord(a));  // NOLINT(bugprone-use-after-move)
 }
 
@@ -156,6 +173,18 @@ TEST(CStringAssignment, OfATemporaryToALockedTextCopiesIntoItsBlock) {
     EXPECT_EQ(textOf(a), "xy");
 }
 
+TEST(CStringAssignment, OfALockedTextThatIsGivenAwayCopies) {
+    CString a("abc");
+    const char* const block = a.LockBuffer();
+    CString b("xyz");
+    b = std::move(a);
+    EXPECT_NE(static_cast<const char*>(b), block);
+    EXPECT_EQ(textOf(b), "abc");
+    EXPECT_EQ(b.GetData()->refCount, 1);
+    EXPECT_EQ(textOf(a), "abc");  // NOLINT(bugprone-use-after-move)
+    EXPECT_EQ(a.GetData()->refCount, -1);
+}
+
 TEST(CStringAssignment, OfOwnPointerChangesNothing) {
     CString a("abc\0def", 7);
     a = static_cast<const char*>(a);
@@ -242,6 +271,15 @@ TEST(CStringConcatenation, NulCharacterAndNullTextAppendNothing) {
     a += kNull;
     a += CString();
     EXPECT_EQ(textOf(a), "ab");
+}
+
+TEST(CStringConcatenation, OfNothingLeavesTheTextShared) {
+    CString a("ab");
+    const CString b(a);
+    a += '\0';
+    a += "";
+    a += CString();
+    EXPECT_TRUE(share(a, b));
 }
 
 TEST(CStringConcatenation, AppendsEmbeddedNulsOfAString) {
