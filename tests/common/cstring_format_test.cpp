@@ -219,6 +219,13 @@ TEST(CStringFormat, ReusesABlockWithRoomAndOtherwiseTakesTheEstimate) {
     EXPECT_EQ(textOf(s), "5");
 }
 
+TEST(CStringFormat, IsCutAtTheEstimateInABlockWithRoomToo) {
+    CString s;
+    s.GetBuffer(100);
+    formatInto(s, "%lld", 123456LL);
+    EXPECT_EQ(textOf(s), "1");
+}
+
 TEST(CStringFormat, NeverTakesABlockSmallerThanTheOldText) {
     CString s("a text of twenty six bytes");
     const CString other(s);
