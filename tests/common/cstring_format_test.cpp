@@ -55,11 +55,13 @@ TEST(CStringFormat, LoneTrailingPercentIsRefused) { EXPECT_FORMAT(3, "", "abc%")
 TEST(CStringFormat, TextCountsItsLengthAndAtLeastOne) {
     EXPECT_FORMAT(3, "abc", "%s", "abc");
     EXPECT_FORMAT(1, "", "%s", "");
+    EXPECT_FORMAT(1, "", "%-s", "");
     EXPECT_FORMAT(5, "<abc>", "<%s>", "abc");
 }
 
 TEST(CStringFormat, NullTextCountsSix) {
     EXPECT_FORMAT(6, "(null)", "%s", kNull);
+    EXPECT_FORMAT(6, "(null)", "%-s", kNull);
     EXPECT_FORMAT(8, "  (null)", "%8s", kNull);
 }
 
