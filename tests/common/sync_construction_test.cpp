@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstring>
 #include <functional>
+#include <stdexcept>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -15,6 +16,7 @@
 #include "UException.h"
 #include "UMutex.h"
 #include "USemaphore.h"
+#include "bare_log.h"
 #include "failing_memory.h"
 #include "posix_calls.h"
 #include "record_log.h"
@@ -139,6 +141,43 @@ TEST_P(Failing, NeedsNoMemory) {
     }
 }
 
+// A log that raises whenever it is written to.
+class RaisingLog final : public BareLog {
+  public:
+    RaisingLog() { errorLog = this; }
+    ~RaisingLog() override { errorLog = nullptr; }
+    int WriteLogItem(const char* /*text*/) override { throw std::logic_error("the log's own"); }
+};
+
+// Raising here would end the process.
+TEST_P(Failing, RaisesNothingWhileAnExceptionUnwindsWhateverTheLogRaises) {
+    const RaisingLog log;
+    struct AtTheEnd {
+        ~AtTheEnd() { act(); }
+        Action act;
+    };
+    const auto unwind = [this] {
+        const AtTheEnd atTheEnd{[this] { actWithFailure(); }};
+        throw std::runtime_error("end of scope");
+    };
+    EXPECT_THROW(unwind(), std::runtime_error);
+    EXPECT_GE(countOf(GetParam().call), 1);
+}
+
+TEST(AutoSync, LetsAnExceptionThatUnwindsItThroughWhenItsEndFails) {
+    const RaisingLog log;
+    UCriticalSection section;
+    resetPosixCalls();
+    EXPECT_THROW(
+        {
+            const UAutoSync sync(section);
+            failPosixCall(PosixCall::mutexUnlock, EINVAL);
+            throw std::runtime_error("end of scope");
+        },
+        std::runtime_error);
+    EXPECT_EQ(countOf(PosixCall::mutexUnlock), 1);
+}
+
 constexpr char kLock[] = "pthread_mutex_lock - failed to lock mutex";
 constexpr char kUnlock[] = "pthread_mutex_unlock - failed to unlock mutex";
 constexpr char kDestroyMutex[] = "pthread_mutex_destroy - failed to destroy mutex";
@@ -150,6 +189,10 @@ void lockSection() {
     UCriticalSection section;
     section.Lock();
     section.Unlock();
+}
+void guardScope() {
+    UCriticalSection section;
+    const UAutoSync sync(section);
 }
 void releaseMutex() {
     UMutex mutex(true);
@@ -185,6 +228,10 @@ INSTANTIATE_TEST_SUITE_P(
         Complaint{"SectionLock", PosixCall::mutexLock, lockSection,
                   "pthread_mutex_lock - failed to lock"},
         Complaint{"SectionUnlock", PosixCall::mutexUnlock, lockSection,
+                  "pthread_mutex_unlock - failed to unlock"},
+        Complaint{"GuardBegin", PosixCall::mutexLock, guardScope,
+                  "pthread_mutex_lock - failed to lock"},
+        Complaint{"GuardEnd", PosixCall::mutexUnlock, guardScope,
                   "pthread_mutex_unlock - failed to unlock"},
         Complaint{"MutexRelease", PosixCall::mutexUnlock, releaseMutex,
                   "pthread_mutex_unlock - failed to release mutex"},
@@ -243,10 +290,6 @@ TEST(SyncClasses, OnlyMutexAndSemaphoreAreDestroyedThroughTheirTables) {
     EXPECT_FALSE(std::is_polymorphic_v<UEvent>);
     EXPECT_TRUE(std::has_virtual_destructor_v<UMutex>);
     EXPECT_TRUE(std::has_virtual_destructor_v<USemaphore>);
-}
-
-TEST(SyncClasses, AGuardLetsOutWhatItsEndRaises) {
-    EXPECT_FALSE(std::is_nothrow_destructible_v<UAutoSync>);
 }
 
 TEST(SyncClasses, AGuardIsTwoPointers) { EXPECT_EQ(sizeof(UAutoSync), 2 * sizeof(void*)); }
