@@ -20,6 +20,8 @@ namespace {
 
 using std::chrono::milliseconds;
 
+constexpr int kHour = 3600;
+
 TEST(CriticalSection, IsTakenAgainByItsHolderOnly) {
     UCriticalSection section;
     section.Lock();
@@ -81,6 +83,7 @@ TEST(AutoSync, LeavesTheSectionFreeWhenAnExceptionEndsItsScope) {
     EXPECT_TRUE(isFree(section));
 }
 
+// The library lets out what giving a lock back raises, should it ever raise anything.
 TEST(AutoSync, MayRaiseAtTheEndOfItsScope) {
     EXPECT_FALSE(std::is_nothrow_destructible_v<UAutoSync>);
 }
@@ -150,6 +153,36 @@ TEST(Mutex, ALimitedWaitLooksEverySixteenMilliseconds) {
     EXPECT_GE(time, milliseconds(49));
     EXPECT_GE(restsTaken, 1u);
     EXPECT_LE(restsTaken, 4u);
+    EXPECT_TRUE(mutex.Release());
+}
+
+// The limit is a time of day that is fixed when the wait begins.
+TEST(Mutex, AClockSetForwardsEndsALimitedWaitAsTimedOut) {
+    UMutex mutex(true);
+    resetPosixCalls();
+    onAnotherThread([&] {
+        tellTimes({{.tv_sec = 10000, .tv_usec = 0}, {.tv_sec = 10000 + kHour, .tv_usec = 16000}});
+        EXPECT_EQ(mutex.Acquire(600000), kWaitTimedOut);
+        EXPECT_EQ(rests().size(), 1u);
+        return 0;
+    });
+    EXPECT_TRUE(mutex.Release());
+}
+
+TEST(Mutex, AClockSetBackwardsMakesALimitedWaitLonger) {
+    UMutex mutex(true);
+    resetPosixCalls();
+    onAnotherThread([&] {
+        std::vector<timeval> times{{.tv_sec = 10000, .tv_usec = 0}};
+        for (int rest = 1; rest <= 9; ++rest) {
+            times.push_back({.tv_sec = 10000 - kHour, .tv_usec = rest * 16000});
+        }
+        times.push_back({.tv_sec = 10000, .tv_usec = 50001});
+        tellTimes(times);
+        EXPECT_EQ(mutex.Acquire(50), kWaitTimedOut);
+        EXPECT_EQ(rests().size(), 10u);
+        return 0;
+    });
     EXPECT_TRUE(mutex.Release());
 }
 

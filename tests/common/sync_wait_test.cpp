@@ -207,6 +207,61 @@ INSTANTIATE_TEST_SUITE_P(
                     Sum{"LongestLimit", {100, 0}, 4294967294u, {4295067, 294000000}}),
     nameOfRow);
 
+struct LimitedWait {
+    const char* rule;
+    unsigned int (*wait)(UEvent&, USemaphore&, unsigned int timeout);
+    void (*wake)(UEvent&, USemaphore&);
+};
+
+// What the platform's clock shows while it waits is out of a test's reach: the time that the
+// library is told before is another instead, which comes to the same.
+class ClockSet : public testing::TestWithParam<LimitedWait> {
+  protected:
+    ClockSet() { resetPosixCalls(); }
+
+    static timeval timeOfDayAfter(std::chrono::seconds distance) {
+        const auto time = std::chrono::system_clock::now() + distance;
+        return {.tv_sec = std::chrono::system_clock::to_time_t(time), .tv_usec = 0};
+    }
+
+    unsigned int wait(unsigned int timeout) { return GetParam().wait(event, semaphore, timeout); }
+
+    UEvent event{true, false};
+    USemaphore semaphore{0, 1};
+};
+
+TEST_P(ClockSet, ForwardsEndsALimitedWaitAsTimedOut) {
+    tellTimes({timeOfDayAfter(-std::chrono::hours(1))});
+    EXPECT_EQ(wait(600000), kWaitTimedOut);
+}
+
+TEST_P(ClockSet, BackwardsMakesALimitedWaitLonger) {
+    unsigned int result = 1;
+    std::thread waiting([&] {
+        tellTimes({timeOfDayAfter(std::chrono::hours(1))});
+        result = wait(1);
+    });
+    awaitCount(PosixCall::condTimedwait, 1);
+    const auto begin = std::chrono::system_clock::now();
+    while (std::chrono::system_clock::now() - begin < milliseconds(20)) std::this_thread::yield();
+    GetParam().wake(event, semaphore);
+    waiting.join();
+    EXPECT_EQ(result, kWaitAcquired);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Classes, ClockSet,
+    testing::Values(LimitedWait{"Event",
+                                [](UEvent& event, USemaphore&, unsigned int limit) {
+                                    return event.wait(limit);
+                                },
+                                [](UEvent& event, USemaphore&) { event.set(); }},
+                    LimitedWait{
+                        "Semaphore",
+                        [](UEvent&, USemaphore& s, unsigned int limit) { return s.Acquire(limit); },
+                        [](UEvent&, USemaphore& s) { s.Release(); }}),
+    nameOfRow);
+
 using Calls = std::vector<PosixCall>;
 
 TEST(Deadline, IsFixedBeforeTheLockIsTaken) {
