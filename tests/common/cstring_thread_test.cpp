@@ -32,6 +32,7 @@ TEST(CStringThreads, CopyAssignAndDestroyOneBlock) {
     EXPECT_EQ(shared.GetData()->refCount, 1);
 }
 
+// Few rounds: each starts a thread.
 TEST(CStringThreads, LastOwnersGoOnDifferentThreads) {
     for (int i = 0; i < 2000; ++i) {
         CString a("abc");

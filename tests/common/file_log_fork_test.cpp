@@ -126,6 +126,7 @@ TEST_F(ProcessLogAcrossFork, NoChildHangsWhileThreadsRotateTheLog) {
         while (!done.load()) other.WriteErrorStr("thread\n");
     });
     int ended = 0;
+    // Few forks: each copies a process. The threads write all the while.
     constexpr int kForks = 300;
     for (int i = 0; i < kForks; ++i) {
         if (inChild([] { processLog().WriteErrorStr("child\n"); }) > 0) ++ended;

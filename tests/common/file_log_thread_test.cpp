@@ -14,6 +14,7 @@ namespace {
 class FileLogThreads : public FileLogTest {
   protected:
     static constexpr int kWriters = 8;
+    static constexpr int kCount = 12500;  // items of each writer
 
     // Runs `writer(number)` on eight threads, and each of `others` again and again until then.
     static void run(const std::function<void(int)>& writer,
@@ -32,8 +33,8 @@ class FileLogThreads : public FileLogTest {
         for (std::thread& thread : background) thread.join();
     }
 
-    void writeNumbered(int writer, int count) {
-        for (int i = 0; i < count; ++i) log.WriteLog("w%d n%d %s\n", writer, i, kFilling);
+    void writeNumbered(int writer) {
+        for (int i = 0; i < kCount; ++i) log.WriteLog("w%d n%d %s\n", writer, i, kFilling);
     }
 
     // The writers' numbers in the order of the files, each writer's by itself.
@@ -64,10 +65,9 @@ void expectRun(const std::vector<int>& numbers, int last) {
 }
 
 TEST_F(FileLogThreads, OneRotationLosesNothing) {
-    constexpr int kCount = 1000;
-    writeSettings("log_file_size=600000\n");
+    writeSettings("log_file_size=7500000\n");
     open();
-    run([&](int writer) { writeNumbered(writer, kCount); });
+    run([&](int writer) { writeNumbered(writer); });
     ASSERT_TRUE(std::filesystem::exists(oldPath()));
     const auto numbers = numbersOf({oldPath(), path()});
     ASSERT_EQ(numbers.size(), static_cast<std::size_t>(kWriters));
@@ -78,10 +78,9 @@ TEST_F(FileLogThreads, OneRotationLosesNothing) {
 }
 
 TEST_F(FileLogThreads, ManyRotationsLoseWholeOldFilesOnly) {
-    constexpr int kCount = 2000;
     writeSettings("log_file_size=100000\n");
     open();
-    run([&](int writer) { writeNumbered(writer, kCount); });
+    run([&](int writer) { writeNumbered(writer); });
     int kept = 0;
     for (const auto& [writer, its] : numbersOf({oldPath(), path()})) {
         expectRun(its, its.empty() ? 0 : its.back());
@@ -93,7 +92,7 @@ TEST_F(FileLogThreads, ManyRotationsLoseWholeOldFilesOnly) {
 TEST_F(FileLogThreads, LevelAndRotationChangeUnderEightWriters) {
     writeSettings("log_file_size=1000\n");
     open();
-    run([&](int writer) { writeNumbered(writer, 12500); },
+    run([&](int writer) { writeNumbered(writer); },
         {[&, level = 0]() mutable { log.SetLogLevel(30 + level++ % 34); }});
     for (const auto& [writer, its] : numbersOf({oldPath(), path()})) {
         expectRun(its, its.back());
@@ -105,7 +104,7 @@ TEST_F(FileLogThreads, OpenCloseAndModuleNameChangeUnderWriters) {
     const std::string other = home() + "/other.log";
     run(
         [&](int writer) {
-            for (int i = 0; i < 12500; ++i) {
+            for (int i = 0; i < kCount; ++i) {
                 log.WriteLogStr(writer, "text\n");
                 if (i % 100 == 0) log.GetLogName();
             }
@@ -123,18 +122,20 @@ TEST_F(FileLogThreads, OpenCloseAndModuleNameChangeUnderWriters) {
 }
 
 TEST_F(FileLogThreads, BytesAndTextsDoNotMix) {
+    constexpr unsigned int kBytes = 100;
+    writeSettings("log_file_size=100000000\n");
     open();
     run([&](int writer) {
-        std::vector<unsigned char> data(300, static_cast<unsigned char>('a' + writer));
-        for (int i = 0; i < 500; ++i) log.WriteLogByte("bytes ", data.data(), 300);
+        std::vector<unsigned char> data(kBytes, static_cast<unsigned char>('a' + writer));
+        for (int i = 0; i < kCount; ++i) log.WriteLogByte("bytes ", data.data(), kBytes);
     });
     int found = 0;
     for (const std::string& item : items()) {
         if (item.rfind("4,,,, bytes ", 0) != 0) continue;
         ++found;
-        EXPECT_EQ(item.substr(12), std::string(300, item[12]));
+        EXPECT_EQ(item.substr(12), std::string(kBytes, item[12]));
     }
-    EXPECT_EQ(found, kWriters * 500);
+    EXPECT_EQ(found, kWriters * kCount);
 }
 
 TEST_F(FileLogThreads, TwoLogsAtOnce) {
@@ -143,10 +144,11 @@ TEST_F(FileLogThreads, TwoLogsAtOnce) {
     ASSERT_EQ(other.Open((home() + "/other.log").c_str(), "a"), 0);
     run([&](int writer) {
         UFileErrorLog& mine = writer % 2 == 0 ? log : other;
-        for (int i = 0; i < 2000; ++i) mine.WriteErrorStr("text\n");
+        for (int i = 0; i < kCount; ++i) mine.WriteErrorStr("text\n");
     });
-    EXPECT_EQ(lines().size(), 8007U);
-    EXPECT_EQ(linesOf(home() + "/other.log").size(), 8007U);
+    constexpr std::size_t kItems = kWriters / 2 * kCount;
+    EXPECT_EQ(lines().size(), kItems + 7);
+    EXPECT_EQ(linesOf(home() + "/other.log").size(), kItems + 7);
 }
 
 }  // namespace

@@ -15,6 +15,7 @@ namespace {
 constexpr int kSteps = 25000;
 constexpr int kMostItems = 100;  // so that looking through a list stays short
 
+// Few additions: each copies all the pointers that are there.
 TEST(ListThreads, EveryAddedObjectIsThere) {
     UList list;
     onThreads(8, [&](int) {

@@ -21,7 +21,7 @@ TEST(MatcherThreads, MayAskOneExpressionAtOnce) {
     std::vector<std::thread> threads;
     for (int thread = 0; thread < 4; ++thread) {
         threads.emplace_back([&] {
-            for (int i = 0; i < 2000; ++i) {
+            for (int i = 0; i < 6250; ++i) {
                 const auto kind = static_cast<std::size_t>(i % 5);
                 UStrings hits;
                 EXPECT_TRUE(expressions[kind].match(candidates[kind], hits));

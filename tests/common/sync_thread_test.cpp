@@ -90,7 +90,7 @@ TEST_P(EventContention, IsUndisturbedByAStormOfSignals) {
 }
 
 TEST_P(EventContention, TwoThreadsWakeEachOtherInTurn) {
-    constexpr int kTurns = 10000;
+    constexpr int kTurns = 25000;
     UEvent ping(GetParam(), false);
     UEvent pong(GetParam(), false);
     int turns = 0;  // written by whoever has the turn
