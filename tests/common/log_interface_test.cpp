@@ -4,10 +4,15 @@
 
 #include <array>
 #include <climits>
+#include <cstddef>
 #include <cstdio>
+#include <type_traits>
 
+#include "UFileErrorLog.h"
+#include "UOutputErrorLog.h"
 #include "item_log.h"
 #include "row_name.h"
+#include "table_slot.h"
 
 namespace {
 
@@ -28,6 +33,76 @@ class LogInterface : public testing::Test {
 // The two formatting writers as the compiler does not know them: a format may be missing.
 int (IUErrorLog::*const kWriteFormat)(const char*, ...) = &IUErrorLog::WriteLog;
 int (IUErrorLog::*const kWriteFormatAt)(int, const char*, ...) = &IUErrorLog::WriteLog;
+
+TEST(LogTables, InterfaceHasItsOperationsInTheirSlots) {
+    using Log = IUErrorLog;
+    using Bytes = unsigned char*;
+    const std::uintptr_t slots[] = {
+        slotOf(&Log::Open),
+        slotOf(&Log::Close),
+        slotOf<int (Log::*)(const char*, ...)>(&Log::WriteLog),
+        slotOf<int (Log::*)(int, const char*, ...)>(&Log::WriteLog),
+        slotOf<int (Log::*)(const char*)>(&Log::WriteLogStr),
+        slotOf<int (Log::*)(int, const char*)>(&Log::WriteLogStr),
+        slotOf(&Log::WriteErrorStr),
+        slotOf<int (Log::*)(Bytes, unsigned)>(&Log::WriteLogByte),
+        slotOf<int (Log::*)(const char*, Bytes, unsigned)>(&Log::WriteLogByte),
+        slotOf(&Log::WriteAsHex),
+        slotOf(&Log::WriteLogItem),
+        slotOf(&Log::GetLogName),
+        slotOf(&Log::GetLogLevel),
+        slotOf(&Log::SetLogLevel),
+        slotOf(&Log::setParam)};
+    EXPECT_THAT(slots, ElementsAre(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14));
+}
+
+// The destructor takes the first two.
+TEST(LogTables, FileLogHasItsOperationsInTheirSlots) {
+    using Log = UFileErrorLog;
+    using Bytes = unsigned char*;
+    const std::uintptr_t slots[] = {
+        slotOf(&UFileErrorLogBase::setParam),
+        slotOf(&Log::Open),
+        slotOf(&Log::Close),
+        slotOf(&Log::WriteLogItem),
+        slotOf<int (Log::*)(Bytes, unsigned)>(&Log::WriteLogByte),
+        slotOf<int (Log::*)(const char*, Bytes, unsigned)>(&Log::WriteLogByte),
+        slotOf(&Log::GetLogName)};
+    EXPECT_THAT(slots, ElementsAre(2, 3, 4, 5, 6, 7, 8));
+}
+
+TEST(LogTables, OutputLogHasItsOperationsInTheirSlots) {
+    using Log = UOutputErrorLog;
+    using Bytes = unsigned char*;
+    const std::uintptr_t slots[] = {
+        slotOf(&Log::Open),
+        slotOf(&Log::Close),
+        slotOf(&Log::GetLogName),
+        slotOf(&Log::WriteLogItem),
+        slotOf<int (Log::*)(Bytes, unsigned)>(&Log::WriteLogByte),
+        slotOf<int (Log::*)(const char*, Bytes, unsigned)>(&Log::WriteLogByte)};
+    EXPECT_THAT(slots, ElementsAre(2, 3, 4, 5, 6, 7));
+}
+
+// Where a base begins in an object.
+template <typename Base, typename Log>
+std::ptrdiff_t placeOf(const Log& log) {
+    return reinterpret_cast<const char*>(static_cast<const Base*>(&log)) -
+           reinterpret_cast<const char*>(&log);
+}
+
+TEST(LogTables, LogsAreObjectsFirstAndLogsSecond) {
+    constexpr std::ptrdiff_t second = sizeof(UObject);
+    const UFileErrorLog file;
+    EXPECT_EQ(placeOf<UFileErrorLogBase>(file), 0);
+    EXPECT_EQ(placeOf<UObject>(file), 0);
+    EXPECT_EQ(placeOf<IUErrorLog>(file), second);
+    EXPECT_TRUE(std::is_abstract_v<UFileErrorLogBase>);
+    const UOutputErrorLog output;
+    EXPECT_EQ(placeOf<UObject>(output), 0);
+    EXPECT_EQ(placeOf<IUErrorLog>(output), second);
+    EXPECT_EQ(sizeof output, sizeof(UObject) + sizeof(IUErrorLog));
+}
 
 TEST_F(LogInterface, LevelStartsAtOne) { EXPECT_EQ(log.GetLogLevel(), 1); }
 

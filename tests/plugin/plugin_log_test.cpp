@@ -1,8 +1,5 @@
 #include "plugin_log.h"
 
-#include <array>
-#include <cstdint>
-#include <cstring>
 #include <new>
 
 #include "bare_log.h"
@@ -14,37 +11,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-// Where a virtual function stands in its class's table.
-template <typename Function>
-std::uintptr_t slotOf(Function function) {
-    std::array<std::uintptr_t, 2> words{};
-    static_assert(sizeof words == sizeof function);
-    std::memcpy(words.data(), &function, sizeof words);
-    return (words[0] & ~std::uintptr_t{1}) / sizeof(void*);
-}
-
-TEST(LogInterface, HasItsOperationsInTheirSlots) {
-    using Log = IUErrorLog;
-    using Bytes = unsigned char*;
-    const std::uintptr_t slots[] = {
-        slotOf(&Log::Open),
-        slotOf(&Log::Close),
-        slotOf<int (Log::*)(const char*, ...)>(&Log::WriteLog),
-        slotOf<int (Log::*)(int, const char*, ...)>(&Log::WriteLog),
-        slotOf<int (Log::*)(const char*)>(&Log::WriteLogStr),
-        slotOf<int (Log::*)(int, const char*)>(&Log::WriteLogStr),
-        slotOf(&Log::WriteErrorStr),
-        slotOf<int (Log::*)(Bytes, unsigned)>(&Log::WriteLogByte),
-        slotOf<int (Log::*)(const char*, Bytes, unsigned)>(&Log::WriteLogByte),
-        slotOf(&Log::WriteAsHex),
-        slotOf(&Log::WriteLogItem),
-        slotOf(&Log::GetLogName),
-        slotOf(&Log::GetLogLevel),
-        slotOf(&Log::SetLogLevel),
-        slotOf(&Log::setParam)};
-    EXPECT_THAT(slots, ElementsAre(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14));
-}
 
 using LogFront = UninitializedPluginTest;
 
