@@ -26,12 +26,6 @@ std::string caught(const std::string& text) {
     return "1, /FIFOBuffer.cpp, LINE, , EXCEPTION caught: " + text + "\n";
 }
 
-std::vector<std::string> recordsOf(const RecordLog& log) {
-    std::vector<std::string> records;
-    for (const std::string& item : log.items()) records.push_back(withoutLine(item));
-    return records;
-}
-
 unsigned char* bytesOf(std::string& text) { return reinterpret_cast<unsigned char*>(text.data()); }
 
 TEST(Stream, IsAnObjectThatIsValidAndHoldsNothingBack) {

@@ -33,7 +33,5 @@ template <class Action>
 Records recordsOf(Action action) {
     const RecordLog log;
     action();
-    Records records;
-    for (const std::string& item : log.items()) records.push_back(withoutLine(item));
-    return records;
+    return recordsOf(log);
 }

@@ -8,6 +8,7 @@
 #include "UBlobList.h"
 #include "UStringList.h"
 #include "failing_memory.h"
+#include "list_records.h"
 #include "record_log.h"
 
 namespace {
@@ -107,7 +108,8 @@ TEST(StringList, WithoutMemoryAnItemIsNotAddedAndThatIsLogged) {
         const FailingAllocation failing(n);
         EXPECT_EQ(list.addItem("name", "value"), -1) << n;
         EXPECT_TRUE(failing.happened()) << n;
-        EXPECT_FALSE(log.items().empty());
+        EXPECT_EQ(recordsOf(log), n < 4 ? recordsWithout("UStringList::addItem - EXCEPTION")
+                                        : recordsWithoutPlace(1));
     }
     EXPECT_EQ(list.getItem(0, 0), nullptr);
 }
@@ -225,8 +227,13 @@ TEST(BlobList, FindingAndRemovingByNameWaitForACallersLock) {
 
 TEST(BlobList, RefusesMoreBytesThanAnArrayHolds) {
     UBlobList list;
+    const RecordLog log;
     EXPECT_FALSE(list.addItem("name", "x", 2147483648u));
     EXPECT_EQ(list.findItem("name"), -1);
+    EXPECT_EQ(recordsOf(log),
+              (std::vector<std::string>{
+                  "1, , 0, , blob is longer than 2 GiB\n",
+                  "1, /UClasses, LINE, , EXCEPTION caught: UBlobList::addItem - EXCEPTION\n"}));
 }
 
 TEST(BlobList, WithoutMemoryAnItemIsNotAddedAndThatIsLogged) {
@@ -236,7 +243,8 @@ TEST(BlobList, WithoutMemoryAnItemIsNotAddedAndThatIsLogged) {
         const FailingAllocation failing(n);
         EXPECT_FALSE(list.addItem("name", "value", 5)) << n;
         EXPECT_TRUE(failing.happened()) << n;
-        EXPECT_FALSE(log.items().empty());
+        EXPECT_EQ(recordsOf(log), n < 4 ? recordsWithout("UBlobList::addItem - EXCEPTION")
+                                        : recordsWithoutPlace(1));
     }
     EXPECT_EQ(list.findItem("name"), -1);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "item_log.h"
 
@@ -26,4 +27,11 @@ inline std::string withoutLine(const std::string& record) {
     const bool isLine = !number.empty() && number != "0" &&
                         number.find_first_not_of("0123456789") == std::string::npos;
     return isLine ? record.substr(0, line) + "LINE" + record.substr(end) : record;
+}
+
+/// All records of `log`, in order, each `withoutLine`.
+inline std::vector<std::string> recordsOf(const RecordLog& log) {
+    std::vector<std::string> records;
+    for (const std::string& item : log.items()) records.push_back(withoutLine(item));
+    return records;
 }
