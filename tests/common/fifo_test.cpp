@@ -265,6 +265,25 @@ TEST(Fifo, WithoutMemoryForTheBlockTheContentStays) {
               caught("CFIFOBuffer::CFIFOBuffer::popToAutoMemory() - EXCEPTION"));
 }
 
+// Nothing else takes content away between the two steps of the operation, but a derived class that
+// has the ring's own block filled.
+TEST(Fifo, AContentThatDoesNotComeWholeIsAFailure) {
+    OpenFifo fifo(10);
+    fifo.turnTo(8);
+    fifo.pushText("abcdef");
+    RecordLog log;
+    EXPECT_EQ(fifo.popToAutoMemory(fifo.m_memory), -1);
+    EXPECT_THAT(recordsOf(log),
+                ElementsAre("1, /FIFOBuffer.cpp, LINE, CFIFOBuffer::pop, EXCEPTION - available "
+                            "data < length (available, length), 1, 6\n",
+                            caught("CFIFOBuffer::pop - exception"),
+                            "1, /FIFOBuffer.cpp, LINE, CFIFOBuffer::popToAutoMemory(), EXCEPTION - "
+                            "pop() FAILED\n",
+                            caught("CFIFOBuffer::CFIFOBuffer::popToAutoMemory() - EXCEPTION")));
+    fifo.Init(10);
+    EXPECT_EQ(fifo.pushText("abcdef"), 6);
+}
+
 // What a buffer without storage answers.
 void expectNoStorage(OpenFifo& fifo) {
     EXPECT_EQ(fifo.m_pBuffer, nullptr);
