@@ -1,15 +1,19 @@
 // What the settings write, as an ordinary user.
 
 #include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <array>
 #include <atomic>
 #include <csignal>
-#include <thread>
+#include <functional>
 #include <vector>
 
 #include "ULogSettings.h"
+#include "log_file.h"
 #include "log_settings_model.h"
+#include "on_threads.h"
 #include "row_name.h"
 #include "temporary_home.h"
 
@@ -122,6 +126,12 @@ TEST_F(LogSettingsAsUser, SettingAModulesLevelSetsTheDefault) {
     EXPECT_EQ(readSettings(), "default_log_level=17\nnevo_log_level=63\n");
 }
 
+TEST_F(LogSettingsAsUser, SettingNoModulesLevelSetsTheDefaultToo) {
+    writeSettings("default_log_level=63\n_log_level=63\n");
+    ULogSettings::setModuleLogLevel(nullptr, 17);
+    EXPECT_EQ(readSettings(), "default_log_level=17\n_log_level=63\n");
+}
+
 struct Rewrite {
     const char* rule;
     std::string before;
@@ -187,14 +197,19 @@ TEST_F(LogSettingsAsUser, AMissingParentFolderGivesDefaultsAndNoFile) {
     EXPECT_FALSE(fs::exists(home() + "/Library"));
 }
 
-TEST_F(LogSettingsAsUser, AMissingOrEmptyHomeGivesDefaults) {
-    for (const char* value : {"/does/not/exist", ""}) {
-        setenv("HOME", value, 1);
-        ULogSettings::setLogLevel(5, 0);
-        EXPECT_EQ(ULogSettings::getFileRotationSize(), 5242880u) << value;
-    }
+TEST_F(LogSettingsAsUser, AMissingHomeGivesDefaults) {
     setenv("HOME", "/does/not/exist", 1);
+    ULogSettings::setLogLevel(5, 0);
+    EXPECT_EQ(ULogSettings::getFileRotationSize(), 5242880u);
     EXPECT_EQ(ULogSettings::getLogLevel(), 63u);
+}
+
+TEST_F(LogSettingsAsUser, WithAnEmptyHomeTheFileLiesBelowTheRoot) {
+    setenv("HOME", "", 1);
+    ULogSettings::setLogLevel(5, 0);
+    EXPECT_EQ(ULogSettings::getLogLevel(), 5u);
+    EXPECT_EQ(bytesOf("/Library/Zerva/zerva.conf"), templateWith("5"));
+    fs::remove_all("/Library/Zerva");
 }
 
 TEST_F(LogSettingsAsUser, AnUnwritableHomeGivesDefaults) {
@@ -283,23 +298,86 @@ TEST_F(LogSettingsAsUser, EverySmallFileIsReadAndWrittenLikeTheModel) {
     }
 }
 
-TEST_F(LogSettingsAsUser, ReadersAndWritersOfOneFileDoNotDisturbEachOther) {
-    writeSettings("default_log_level=63\nlog_file_size=1000\n");
-    std::atomic<bool> done{false};
-    std::vector<std::thread> readers;
-    for (int i = 0; i < 3; ++i) {
-        readers.emplace_back([&done] {
-            while (!done) {
-                const unsigned int level = ULogSettings::getLogLevel();
-                EXPECT_TRUE(level == 63 || level == 31) << level;
-                EXPECT_EQ(ULogSettings::getFileRotationSize(), 1000u);
-            }
-        });
+// A file that several write and read at once.
+class SharedSettings : public LogSettingsAsUser {
+  protected:
+    static constexpr int kSteps = 50000;
+
+    SharedSettings() { writeSettings(file(kLevels[0])); }
+
+    // Levels that differ in one character: a reader sees one or the other.
+    static constexpr std::array<unsigned int, 2> kLevels{31, 33};
+
+    static std::string file(unsigned int level) {
+        return "# the user's own words\nlog_file_size=1000\ndefault_log_level=" +
+               std::to_string(level) + "\nnevo_log_level=7\n# and more of them";
     }
-    for (int i = 0; i < 25000; ++i) ULogSettings::setLogLevel(i % 2 == 0 ? 31 : 63, 0);
-    done = true;
-    for (std::thread& reader : readers) reader.join();
-    EXPECT_EQ(ULogSettings::getLogLevel(), 63u);
+
+    static void setLevels() {
+        for (int i = 0; i < kSteps; ++i) {
+            ULogSettings::setLogLevel(kLevels[static_cast<std::size_t>(i) % 2], 0);
+        }
+    }
+
+    bool isOneWholeFile() const {
+        const std::string bytes = readSettings();
+        return bytes == file(kLevels[0]) || bytes == file(kLevels[1]);
+    }
+
+    // Looks at the file until `isOver`. @return how often something else was there.
+    int disturbances(const std::function<bool()>& isOver) const {
+        int count = 0;
+        while (!isOver()) {
+            const unsigned int level = ULogSettings::getLogLevel();
+            if (level != kLevels[0] && level != kLevels[1]) ++count;
+            if (ULogSettings::getModuleLogLevel("nevo") != 7) ++count;
+            if (ULogSettings::getFileRotationSize() != 1000) ++count;
+            if (!isOneWholeFile()) ++count;
+        }
+        return count;
+    }
+
+    void expectNothingElseIsLeft() const {
+        EXPECT_TRUE(isOneWholeFile());
+        for (const fs::directory_entry& entry : fs::directory_iterator(settingsFolder())) {
+            EXPECT_EQ(entry.path(), settingsPath());
+        }
+    }
+};
+
+TEST_F(SharedSettings, TwoThreadsWriteAndThreeReadWithoutDisturbance) {
+    std::atomic<int> writing{2};
+    onThreads(5, [&](int thread) {
+        if (thread < 2) {
+            setLevels();
+            --writing;
+        } else {
+            EXPECT_EQ(disturbances([&] { return writing == 0; }), 0);
+        }
+    });
+    expectNothingElseIsLeft();
+}
+
+TEST_F(SharedSettings, TwoProcessesWriteAndAnotherReadsWithoutDisturbance) {
+    int writing = 0;
+    for (; writing < 2; ++writing) {
+        const pid_t writer = fork();
+        ASSERT_GE(writer, 0);
+        if (writer == 0) {
+            setLevels();
+            _exit(0);
+        }
+    }
+    const auto isOver = [&writing] {
+        int status = 0;
+        if (waitpid(-1, &status, WNOHANG) > 0) {
+            --writing;
+            EXPECT_EQ(status, 0);
+        }
+        return writing == 0;
+    };
+    EXPECT_EQ(disturbances(isOver), 0);
+    expectNothingElseIsLeft();
 }
 
 }  // namespace
