@@ -16,8 +16,8 @@ list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES ZERVA_MACOS_ARCH)
 
 cmake_path(SET build_folder NORMALIZE "${CMAKE_CURRENT_LIST_DIR}/../../build")
 set(zig_packages "${build_folder}/tools/node_modules/@zigc")
-find_program(ZERVA_ZIG zig PATHS "${zig_packages}/linux-x64/bin" "${zig_packages}/linux-arm64/bin"
-             NO_DEFAULT_PATH)
+# The package of the one processor that the lock file pins a compiler for.
+find_program(ZERVA_ZIG zig PATHS "${zig_packages}/linux-x64/bin" NO_DEFAULT_PATH)
 find_program(ZERVA_LD64 ld64.lld-16)
 find_program(CMAKE_AR llvm-ar-16)
 find_program(CMAKE_RANLIB llvm-ranlib-16)

