@@ -1,5 +1,4 @@
 #include <gmock/gmock.h>
-#include <openssl/evp.h>
 
 #include <array>
 #include <climits>
@@ -9,13 +8,11 @@
 #include <string_view>
 #include <vector>
 
-#include "CRFCBase64.h"
+#include "base64_bytes.h"
 #include "random_seed.h"
-#include "text_of.h"
 
 namespace {
 
-using ByteArray = CArray<unsigned char, unsigned char>;
 using testing::Each;
 
 // Shows the tables.
@@ -24,42 +21,6 @@ struct OpenBase64 : CRFCBase64 {
     using CRFCBase64::g_digits;
     using CRFCBase64::g_xlate;
 };
-
-const unsigned char* bytesOf(std::string_view text) {
-    return reinterpret_cast<const unsigned char*>(text.data());
-}
-
-std::string encoded(std::string_view bytes) {
-    CString out;
-    const int count = CRFCBase64::Encode(bytesOf(bytes), static_cast<int>(bytes.size()), out);
-    EXPECT_EQ(count, out.GetLength());
-    return textOf(out);
-}
-
-std::string contentOf(const ByteArray& array) {
-    return {array.GetData(), array.GetData() + array.GetSize()};
-}
-
-std::string decoded(const char* text) {
-    ByteArray bytes;
-    const int count = CRFCBase64::Decode(text, bytes);
-    EXPECT_EQ(count, bytes.GetSize());
-    return contentOf(bytes);
-}
-
-std::string peerEncoded(std::string_view bytes) {
-    std::string out((bytes.size() + 2) / 3 * 4 + 1, '\0');
-    EVP_EncodeBlock(reinterpret_cast<unsigned char*>(out.data()), bytesOf(bytes),
-                    static_cast<int>(bytes.size()));
-    out.pop_back();
-    return out;
-}
-
-std::string randomText(std::mt19937& random, std::size_t length) {
-    std::string text(length, '\0');
-    for (char& c : text) c = static_cast<char>(random());
-    return text;
-}
 
 // The decoding rules once more, one character and one bit at a time.
 std::string slowlyDecoded(std::string_view text) {
@@ -186,29 +147,6 @@ TEST(Base64Encode, HighBytesAndNulsAreBytesLikeAnyOther) {
     EXPECT_EQ(encoded("\xff\xff\xff"), "////");
     EXPECT_EQ(encoded("\xfb\xef\xbe"), "++++");
     EXPECT_EQ(encoded(std::string_view("\x80\0", 2)), "gAA=");
-}
-
-TEST(Base64Encode, EveryByteAndEveryPairOfBytesAgreesWithThePeer) {
-    for (int first = 0; first < 256; ++first) {
-        std::string bytes(1, static_cast<char>(first));
-        ASSERT_EQ(encoded(bytes), peerEncoded(bytes));
-        for (int second = 0; second < 256; ++second) {
-            bytes.resize(1);
-            bytes += static_cast<char>(second);
-            ASSERT_EQ(encoded(bytes), peerEncoded(bytes));
-            ASSERT_EQ(decoded(encoded(bytes).c_str()), bytes);
-        }
-    }
-}
-
-TEST(Base64Encode, RandomBytesAgreeWithThePeerAndComeBack) {
-    std::mt19937 random(randomSeed());
-    for (int round = 0; round < randomRounds(4000); ++round) {
-        const std::string bytes = randomText(random, random() % 700);
-        const std::string text = encoded(bytes);
-        ASSERT_EQ(text, peerEncoded(bytes)) << "round " << round;
-        ASSERT_EQ(decoded(text.c_str()), bytes) << "round " << round;
-    }
 }
 
 struct Tolerance {
