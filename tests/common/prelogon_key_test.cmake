@@ -1,7 +1,7 @@
 # How the build takes the key that client data is signed with, and where the key ends up.
 #
-#   cmake -D MODULES=cmake -D ARCHIVE=libzerva_common.a -D HEADER=prelogon_key.inc -D WORK=FOLDER
-#         -D AR=ar -D NM=nm -P prelogon_key_test.cmake
+#   cmake -D MODULES=cmake -D ARCHIVE=libzerva_common.a -D PLUGIN=nevo_plugin.so
+#         -D HEADER=prelogon_key.inc -D WORK=FOLDER -D AR=ar -D NM=nm -P prelogon_key_test.cmake
 
 # The script calls itself for the one thing that may end a script.
 if(DEFINED WRITE)
@@ -104,4 +104,16 @@ execute_process(COMMAND "${NM}" --extern-only "${ARCHIVE}" OUTPUT_VARIABLE symbo
                 COMMAND_ERROR_IS_FATAL ANY)
 if(symbols MATCHES "prelogon_preshared_key")
   message(SEND_ERROR "the key has a name that can be linked to")
+endif()
+
+# The plug-in signs nothing: whoever takes its module apart finds no key, by its bytes or by name.
+file(READ "${PLUGIN}" content HEX)
+if(content MATCHES "${key}")
+  message(SEND_ERROR "the key is in the plug-in's module")
+endif()
+execute_process(COMMAND "${NM}" "${PLUGIN}" OUTPUT_VARIABLE symbols COMMAND_ERROR_IS_FATAL ANY)
+if(NOT symbols MATCHES " T NP_Initialize")
+  message(SEND_ERROR "the plug-in's module shows no symbols to look through")
+elseif(symbols MATCHES "prelogon_preshared_key|signMessage")
+  message(SEND_ERROR "the plug-in's module has the key or its signer")
 endif()
