@@ -68,14 +68,16 @@ copy() {
   [ $everybody = no ] || chown -R 0:0 "$stage"
 }
 
+# Between its two steps there is no plug-in; leave() ends what is cut off there.
 replace() {
-  if [ -e "$target" ]; then
-    mv "$target" "$old" || return 1
-  fi
-  if ! mv "$stage/$name.plugin" "$target"; then
-    [ ! -e "$old" ] || mv "$old" "$target"
-    return 1
-  fi
+  [ ! -e "$target" ] || mv "$target" "$old" || return 1
+  mv "$stage/$name.plugin" "$target"
+}
+
+# However this script ends, the version before is back unless the new one has taken its place.
+leave() {
+  [ -e "$target" ] || [ ! -e "$old" ] || mv "$old" "$target"
+  rm -rf "$stage"
 }
 
 [ -d "$new" ] && [ -f "$here/checksums.txt" ] ||
@@ -88,7 +90,7 @@ fi
 mkdir -p "$folder" || fail "$folder cannot be made"
 recover
 before=$(version_of "$target" || true)
-trap 'rm -rf "$stage"' EXIT
+trap leave EXIT
 trap 'exit 1' HUP INT TERM
 copy || fail "the plug-in could not be copied whole to $folder (is the disk full?);" \
   "nothing was changed"

@@ -152,6 +152,28 @@ class Installing(InstallTest):
         self.assertEqual(content(TARGET), before)
         self.assert_only_plugin_is_left()
 
+    def cut_off_between_the_renames(self, signal_name):
+        """An install that gets this signal when the old version has just been set aside."""
+        return self.install(self.with_failing("mv", '/bin/mv "$@" || exit; case $2 in '
+                                              f'*.old) kill -{signal_name} $PPID ;; esac'))
+
+    def test_leaves_the_old_version_when_interrupted_between_the_renames(self):
+        before = self.leave_old_version()
+        run = self.cut_off_between_the_renames("TERM")
+        self.assertEqual((run.returncode, run.stderr), (1, ""))
+        self.assertEqual(content(TARGET), before)
+        self.assert_only_plugin_is_left()
+
+    def test_killed_between_the_renames_leaves_no_plugin_until_the_next_run_repairs_it(self):
+        before = self.leave_old_version("0.8")
+        run = self.cut_off_between_the_renames("KILL")
+        self.assertEqual(run.returncode, -signal.SIGKILL)
+        self.assertFalse(TARGET.exists())
+        self.assertEqual(content(FOLDER / f".{NAME}.old"), before)
+        self.assert_installs("An earlier install was cut off", "(was 0.8)")
+        self.assertEqual(content(TARGET), content(self.new))
+        self.assert_only_plugin_is_left()
+
     def test_puts_back_what_an_install_cut_off_in_between_had_set_aside(self):
         self.leave_old_version("0.8")
         TARGET.rename(FOLDER / f".{NAME}.old")
