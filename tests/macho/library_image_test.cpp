@@ -15,9 +15,9 @@ TEST(LibraryImage, HasAStandInForEverythingThatItImports) {
     EXPECT_THAT(MachoImage(imagePath("library_test")).unbound(), testing::IsEmpty());
 }
 
-// In the emulator this one takes longer than all others together; it runs in the Intel half.
+// In the emulator these take longer than all others together; they run in the Intel half.
 #if defined(__aarch64__)
-char g_filter[] = "--gtest_filter=-CStringModel.*";
+char g_filter[] = "--gtest_filter=-CStringModel.*:MatcherModel.*";
 #else
 char g_filter[] = "--gtest_filter=*";
 #endif
@@ -33,7 +33,7 @@ TEST(LibraryImage, PassesItsTests) {
     int passed = 0;
     std::fflush(nullptr);
     EXPECT_EQ(run(3, arguments, &passed), 0);
-    EXPECT_GT(passed, 600);
+    EXPECT_GT(passed, 1150);
 }
 
 }  // namespace
