@@ -39,3 +39,8 @@ target_link_options(
   LINKER:-dead_strip LINKER:-x LINKER:-S)
 set_property(TARGET nevo_plugin APPEND PROPERTY LINK_DEPENDS
              "${CMAKE_CURRENT_SOURCE_DIR}/macos/exports.txt")
+# Where the plug-in looks for the service program, which the product's packaging puts there.
+add_custom_command(
+  TARGET nevo_plugin POST_BUILD
+  COMMAND "${CMAKE_COMMAND}" -E make_directory
+          "$<TARGET_BUNDLE_CONTENT_DIR:nevo_plugin>/Helpers")
