@@ -1,18 +1,17 @@
 #!/usr/bin/env bash
 # Builds bundle and archive a second time, from a copy of the sources in another folder: it must be the same
-# to the byte.
+# to the byte. The copy stays, for tests that build it with options.
 #
-#   reproducible_test.sh SOURCES SCRATCH
+#   reproducible_test.sh SOURCES COPY
 set -euo pipefail
-sources=$1 scratch="$2/in another folder"
+sources=$1 copy=$2
 
 cache=${ZIG_GLOBAL_CACHE_DIR-$sources/build/zig-cache}
-rm -rf "$scratch"
-mkdir -p "$scratch/build"
+rm -rf "$copy"
+mkdir -p "$copy/build"
 tar --create --directory "$sources" --exclude=./build --exclude=./.git . |
-  tar --extract --directory "$scratch"
-ln -s "$sources/build/tools" "$scratch/build/tools"
+  tar --extract --directory "$copy"
+ln -s "$sources/build/tools" "$copy/build/tools"
 
-ZIG_GLOBAL_CACHE_DIR=$cache "$scratch/scripts/bundle" --archive
-diff --recursive "$sources/build/bundle" "$scratch/build/bundle"
-rm -rf "$scratch"
+ZIG_GLOBAL_CACHE_DIR=$cache "$copy/scripts/bundle" --archive
+diff --recursive "$sources/build/bundle" "$copy/build/bundle"
