@@ -158,10 +158,12 @@ class CString {
     void FreeExtra();
     /// Locks the text: from now on it is copied, never shared. @return the characters.
     char* LockBuffer();
-    /// Lets the text be shared again. One that was not locked is unshared.
+    /// Lets a locked text be shared again. A text that is shared gets a block of its own first, for
+    /// which there may be no memory.
     void UnlockBuffer();
 
-    /// @return both texts, or the text and the character, a NUL too, in a block of their own.
+    /// @return `a` followed by `b` in a new block; a NUL character counts as a character. Two empty
+    /// texts give the empty record.
     friend CString operator+(const CString& a, const CString& b);
     friend CString operator+(const CString& a, const char* b);
     friend CString operator+(const char* a, const CString& b);

@@ -23,11 +23,7 @@ class FifoToStream : public testing::Test {
         fifo.pushText("abcde");
     }
 
-    std::vector<std::string> records() const {
-        std::vector<std::string> records;
-        for (const std::string& item : log.items()) records.push_back(withoutLine(item));
-        return records;
-    }
+    std::vector<std::string> records() const { return recordsOf(log); }
 
     void expectUntouched() {
         EXPECT_EQ(fifo.content(), "abcde");

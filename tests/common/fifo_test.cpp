@@ -265,8 +265,8 @@ TEST(Fifo, WithoutMemoryForTheBlockTheContentStays) {
               caught("CFIFOBuffer::CFIFOBuffer::popToAutoMemory() - EXCEPTION"));
 }
 
-// Nothing else takes content away between the two steps of the operation, but a derived class that
-// has the ring's own block filled.
+// Only a derived class gets here: it passes the ring's own block to be filled, whose new size
+// changes what is available between the two steps of the operation.
 TEST(Fifo, AContentThatDoesNotComeWholeIsAFailure) {
     OpenFifo fifo(10);
     fifo.turnTo(8);

@@ -7,13 +7,14 @@
 #include <thread>
 
 #include "fifo_double.h"
+#include "on_threads.h"
 
 namespace {
 
-// 100,000 pushes: short runs, and a ring that is seldom full or empty, for whoever finds it so
-// gives the processor away.
+// Short runs, and a ring that is seldom full or empty, for whoever finds it so gives the processor
+// away.
 constexpr int kLongestRun = 13;
-constexpr int kBytes = 100000 * (kLongestRun + 1) / 2;
+constexpr int kBytes = kThreadSteps * (kLongestRun + 1) / 2;
 constexpr int kCapacity = 2000;
 
 // Checks that bytes come in the order in which the producer numbers them.
@@ -89,7 +90,7 @@ TEST(FifoThreads, ACallerHoldsTheBufferOverSeveralOperations) {
             fifo.Unlock();
         }
     });
-    for (int i = 0; i < 50000; ++i) {
+    for (int i = 0; i < kThreadSteps / 2; ++i) {
         fifo.Lock();
         const int before = fifo.getDataAvailable();
         fifo.pushText("abc");

@@ -8,13 +8,14 @@
 #include <thread>
 
 #include "file_log_home.h"
+#include "on_threads.h"
 
 namespace {
 
 class FileLogThreads : public FileLogTest {
   protected:
     static constexpr int kWriters = 8;
-    static constexpr int kCount = 12500;  // items of each writer
+    static constexpr int kCount = kThreadSteps / kWriters;  // items of each writer
 
     // Runs `writer(number)` on eight threads, and each of `others` again and again until then.
     static void run(const std::function<void(int)>& writer,

@@ -25,7 +25,7 @@
 namespace {
 
 constexpr int kThreads = 8;
-constexpr int kRounds = 12500;
+constexpr int kRounds = kThreadSteps / kThreads;
 
 // Counts what is written, from any thread.
 class CountingLog final : public BareLog {

@@ -8,13 +8,10 @@
 #include <string>
 #include <vector>
 
+#include "text_bytes.h"
 #include "text_of.h"
 
 namespace {
-
-const unsigned char* bytesOf(const std::string& text) {
-    return reinterpret_cast<const unsigned char*>(text.data());
-}
 
 std::string hex(const std::string& bytes, unsigned int flags) {
     return textOf(BinToHex(bytesOf(bytes), static_cast<unsigned int>(bytes.size()), flags));

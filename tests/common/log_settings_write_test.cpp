@@ -301,11 +301,12 @@ TEST_F(LogSettingsAsUser, EverySmallFileIsReadAndWrittenLikeTheModel) {
 // A file that several write and read at once.
 class SharedSettings : public LogSettingsAsUser {
   protected:
-    static constexpr int kSteps = 50000;
+    static constexpr int kSteps = kThreadSteps / 2;
 
     SharedSettings() { writeSettings(file(kLevels[0])); }
 
-    // Levels that differ in one character: a reader sees one or the other.
+    // Of one length, for the line is written over in place; and different in one character, so that
+    // a reader sees one or the other.
     static constexpr std::array<unsigned int, 2> kLevels{31, 33};
 
     static std::string file(unsigned int level) {

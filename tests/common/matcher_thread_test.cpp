@@ -2,10 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <thread>
-#include <vector>
-
 #include "UExpressionMatch.h"
+#include "on_threads.h"
 
 namespace {
 
@@ -18,21 +16,19 @@ TEST(MatcherThreads, MayAskOneExpressionAtOnce) {
         UExpressionMatch("*.example.com,www.*", UExpressionMatch::kDns),
     };
     const char* const candidates[] = {"xb", "9", "11.1.1.1", "11.1.1.1:80", "WWW.host"};
-    std::vector<std::thread> threads;
-    for (int thread = 0; thread < 4; ++thread) {
-        threads.emplace_back([&] {
-            for (int i = 0; i < 6250; ++i) {
-                const auto kind = static_cast<std::size_t>(i % 5);
-                UStrings hits;
-                EXPECT_TRUE(expressions[kind].match(candidates[kind], hits));
-                EXPECT_EQ(hits.getCount(), 1);
-                EXPECT_FALSE(expressions[kind].match("none"));
-                EXPECT_EQ(expressions[kind].matchAsDWORD(0x0b010101), kind == 2);
-                EXPECT_NE(expressions[kind].toString().GetLength(), 0);
-            }
-        });
-    }
-    for (std::thread& thread : threads) thread.join();
+    constexpr int threads = 4;
+    constexpr int questions = 4;  // of each round
+    onThreads(threads, [&](int) {
+        for (int i = 0; i < kThreadSteps / threads / questions; ++i) {
+            const auto kind = static_cast<std::size_t>(i % 5);
+            UStrings hits;
+            EXPECT_TRUE(expressions[kind].match(candidates[kind], hits));
+            EXPECT_EQ(hits.getCount(), 1);
+            EXPECT_FALSE(expressions[kind].match("none"));
+            EXPECT_EQ(expressions[kind].matchAsDWORD(0x0b010101), kind == 2);
+            EXPECT_NE(expressions[kind].toString().GetLength(), 0);
+        }
+    });
 }
 
 }  // namespace

@@ -6,6 +6,10 @@
 #include <thread>
 #include <vector>
 
+/// The steps that the threads of a test take together, under the thread sanitizer too; fewer where
+/// a step is dear.
+constexpr int kThreadSteps = 100000;
+
 /// @return what `action` gives on another thread.
 template <class Action>
 auto onAnotherThread(Action action) {

@@ -19,6 +19,7 @@
 #include "bare_log.h"
 #include "failing_memory.h"
 #include "posix_calls.h"
+#include "process_log.h"
 #include "record_log.h"
 #include "row_name.h"
 
@@ -144,14 +145,15 @@ TEST_P(Failing, NeedsNoMemory) {
 // A log that raises whenever it is written to.
 class RaisingLog final : public BareLog {
   public:
-    RaisingLog() { errorLog = this; }
-    ~RaisingLog() override { errorLog = nullptr; }
     int WriteLogItem(const char* /*text*/) override { throw std::logic_error("the log's own"); }
+
+  private:
+    const AsProcessLog m_asProcessLog{*this};
 };
 
-// Raising here would end the process.
+// What a destructor raises while an exception unwinds would end a user's process.
 TEST_P(Failing, RaisesNothingWhileAnExceptionUnwindsWhateverTheLogRaises) {
-    const RaisingLog log;
+    RaisingLog log;
     struct AtTheEnd {
         ~AtTheEnd() { act(); }
         Action act;
@@ -165,7 +167,7 @@ TEST_P(Failing, RaisesNothingWhileAnExceptionUnwindsWhateverTheLogRaises) {
 }
 
 TEST(AutoSync, LetsAnExceptionThatUnwindsItThroughWhenItsEndFails) {
-    const RaisingLog log;
+    RaisingLog log;
     UCriticalSection section;
     resetPosixCalls();
     EXPECT_THROW(

@@ -10,13 +10,10 @@
 #include "CMD5.h"
 #include "CRFCBase64.h"
 #include "fuzz_input.h"
+#include "text_bytes.h"
 #include "text_of.h"
 
 namespace {
-
-const unsigned char* bytesOf(const std::string& text) {
-    return reinterpret_cast<const unsigned char*>(text.data());
-}
 
 std::string decodedByTheBit(const std::string& text) {
     const std::string digits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";

@@ -10,13 +10,10 @@
 #include "HexText.h"
 #include "UrlText.h"
 #include "fuzz_input.h"
+#include "text_bytes.h"
 #include "text_of.h"
 
 namespace {
-
-const unsigned char* bytesOf(const std::string& text) {
-    return reinterpret_cast<const unsigned char*>(text.data());
-}
 
 CString cstring(const std::string& text) {
     return CString(text.data(), static_cast<int>(text.size()));

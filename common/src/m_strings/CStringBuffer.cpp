@@ -38,8 +38,8 @@ char* CString::LockBuffer() {
     return m_pchData;
 }
 
-// A text that was never locked may be shared: the count of its own block is 1 then, too, and its
-// sharers keep theirs.
+// A text that was never locked may be shared: setting the count of a shared block would free it
+// under its other owners.
 void CString::UnlockBuffer() {
     CopyBeforeWrite();
     if (!IsNil()) GetData()->refCount = 1;

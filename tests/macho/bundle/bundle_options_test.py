@@ -28,7 +28,8 @@ def content(folder):
 
 
 def holds_key(data):
-    """Whether the key's start is there, as it is or as compilers work a signature's masks in."""
+    """Whether the start of the key is in the data, plain or with one of the signature's masks
+    applied by the compiler."""
     return any(bytes(byte ^ mask for byte in KEY[:8]) in data for mask in (0, 0x36, 0x5C))
 
 
@@ -133,7 +134,7 @@ class BundleOptions(unittest.TestCase):
                                     "--key-file", "key")
 
     def test_option_without_its_value_is_refused(self):
-        for option in ("--version", "--key-file"):
+        for option in ("--version", "--service", "--key-file"):
             self.assert_refused("bundle: the last option lacks its value", option)
 
     def test_option_that_there_is_not_is_refused(self):

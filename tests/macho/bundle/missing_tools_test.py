@@ -89,8 +89,8 @@ class MissingTools(unittest.TestCase):
             with self.subTest(system):
                 self.put("uname", f"echo {system} {processor}")
                 run = self.run_in_tree("scripts/bundle")
-                self.expect_failure(run, "bundle: the pinned compiler runs on x86_64 Linux, "
-                                         f"this is {system} {processor}; build there")
+                self.expect_failure(run, "bundle: the pinned compiler runs on x86_64 Linux alone, "
+                                         f"and this is {system} {processor}; build on such")
                 self.assertNotIn("npm was asked", run.stderr)
 
     def test_a_compiler_that_is_not_pinned_is_not_taken(self):

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds bundle and archive a second time, from a copy of the sources in another folder: it must be the same
-# to the byte. The copy stays, for tests that build it with options.
+# Builds bundle and archive a second time, from a copy of the sources in another folder: they must be
+# the same to the byte. The copy stays, for the tests that build it with options.
 #
 #   reproducible_test.sh SOURCES COPY
 set -euo pipefail
