@@ -68,7 +68,7 @@ copy() {
   [ $everybody = no ] || chown -R 0:0 "$stage"
 }
 
-# Between its two steps there is no plug-in; leave() ends what is cut off there.
+# Between the two renames there is no plug-in; leave() undoes the first if the second does not come.
 replace() {
   [ ! -e "$target" ] || mv "$target" "$old" || return 1
   mv "$stage/$name.plugin" "$target"
@@ -76,7 +76,8 @@ replace() {
 
 # However this script ends, the version before is back unless the new one has taken its place.
 leave() {
-  [ -e "$target" ] || [ ! -e "$old" ] || mv "$old" "$target"
+  [ -e "$target" ] || [ ! -e "$old" ] || mv "$old" "$target" ||
+    printf 'install: the version before lies in %s; run install.sh again\n' "$old" >&2
   rm -rf "$stage"
 }
 
